@@ -1,0 +1,90 @@
+#ifndef QORVEL_PLATFORM_REGISTRY_H_
+#define QORVEL_PLATFORM_REGISTRY_H_
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qorvel {
+
+using HKEY = uint32_t;
+inline constexpr HKEY HKEY_CLASSES_ROOT = 0x80000000;
+inline constexpr HKEY HKEY_CURRENT_USER = 0x80000001;
+inline constexpr HKEY HKEY_LOCAL_MACHINE = 0x80000002;
+inline constexpr HKEY HKEY_USERS = 0x80000003;
+inline constexpr HKEY HKEY_CURRENT_CONFIG = 0x80000005;
+
+inline constexpr uint32_t REG_NONE = 0;
+inline constexpr uint32_t REG_SZ = 1;
+inline constexpr uint32_t REG_EXPAND_SZ = 2;
+inline constexpr uint32_t REG_BINARY = 3;
+inline constexpr uint32_t REG_DWORD = 4;
+inline constexpr uint32_t REG_MULTI_SZ = 7;
+inline constexpr uint32_t REG_QWORD = 11;
+
+inline constexpr int32_t ERROR_SUCCESS = 0;
+inline constexpr int32_t ERROR_FILE_NOT_FOUND = 2;
+inline constexpr int32_t ERROR_INVALID_HANDLE = 6;
+inline constexpr int32_t ERROR_MORE_DATA = 234;
+
+struct RegValue {
+  uint32_t type = REG_NONE;
+  std::vector<uint8_t> data;  // the bytes as stored; text types hold their terminating zero
+  bool operator==(const RegValue&) const = default;
+};
+
+// The registry: hives of keys with typed values, held in memory. Key and value names match
+// without regard to case, as the platform's do. Reads go through calls shaped like the
+// platform's single-byte registry functions, down to the byte counts.
+class Registry {
+ public:
+  virtual ~Registry() = default;
+
+  // The byte-level read calls. A handle is valid from a successful open to its close.
+  int32_t RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result);
+  // `size` is the buffer's size on the way in and the value's size in bytes on the way out;
+  // a value larger than the buffer gives ERROR_MORE_DATA and copies nothing.
+  int32_t RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t* reserved,
+                           uint32_t* type, uint8_t* data, uint32_t* size);
+  int32_t RegCloseKey(HKEY key);
+  int open_handles() const;
+  int close_calls() const;
+
+  // Writes, for installers, tests and scripts.
+  void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value);
+  void SetString(HKEY root, std::string_view key, std::string_view name, std::string_view text);
+  void SetDword(HKEY root, std::string_view key, std::string_view name, uint32_t value);
+  void CreateKey(HKEY root, std::string_view key);
+  void DeleteKey(HKEY root, std::string_view key);  // with everything below it
+  void DeleteValue(HKEY root, std::string_view key, std::string_view name);
+  std::optional<RegValue> GetValue(HKEY root, std::string_view key, std::string_view name) const;
+  bool KeyExists(HKEY root, std::string_view key) const;
+  // Every key below `key` that holds anything, as full paths; for tests of what was written.
+  std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const;
+
+  // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
+  // with its byte-order mark). A malformed file raises error 5 whose description names the
+  // source and the line, and nothing of it is applied.
+  void LoadRegFile(const std::string& path);
+  void LoadRegText(std::string_view bytes, std::string_view source_name);
+
+ private:
+  struct Key;
+  mutable std::mutex mu_;
+  // Implementation-defined storage; see registry.cc.
+  std::shared_ptr<Key> roots_[8];
+  std::map<HKEY, std::string> handles_;  // handle -> "root\\path" of the open key
+  HKEY next_handle_ = 0x100;
+  int close_calls_ = 0;
+};
+
+// Root keys by their names in .reg files: "HKEY_LOCAL_MACHINE", "HKLM", ...
+std::optional<HKEY> RootKeyByName(std::string_view name);
+
+}  // namespace qorvel
+
+#endif  // QORVEL_PLATFORM_REGISTRY_H_

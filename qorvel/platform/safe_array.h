@@ -1,0 +1,67 @@
+#ifndef QORVEL_PLATFORM_SAFE_ARRAY_H_
+#define QORVEL_PLATFORM_SAFE_ARRAY_H_
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "qorvel/platform/variant.h"
+
+namespace qorvel {
+
+// One dimension: its lower bound and element count (upper bound = lower + count - 1).
+struct Bound {
+  int32_t lower = 1;
+  int32_t count = 0;
+};
+
+// An automation array that carries its own bounds: any number of dimensions, lower bounds of the
+// creator's choice, the first subscript fastest in memory. Copies share storage until one side
+// writes. Element types: Double, VariantBool, text, Long, Integer and Variant.
+class SafeArray {
+ public:
+  SafeArray();  // no dimensions, no data (an unallocated dynamic array)
+  SafeArray(VarType element, std::vector<Bound> bounds);
+  static SafeArray Fixed(VarType element, std::vector<Bound> bounds);  // refuses a resize
+
+  VarType element_type() const;
+  int32_t dims() const;
+  int32_t LBound(int32_t dim = 1) const;  // error 9 for a dimension that isn't there
+  int32_t UBound(int32_t dim = 1) const;
+  int64_t size() const;  // elements in all
+
+  // Element access by subscripts, one per dimension in declaration order; error 9 when a
+  // subscript is outside its bounds or their number is wrong.
+  Variant Get(std::span<const int32_t> subscripts) const;
+  void Put(std::span<const int32_t> subscripts, const Variant& value);  // converts to the type
+  Variant Get(std::initializer_list<int32_t> subscripts) const {
+    return Get(std::span<const int32_t>(subscripts.begin(), subscripts.size()));
+  }
+  void Put(std::initializer_list<int32_t> subscripts, const Variant& value) {
+    Put(std::span<const int32_t>(subscripts.begin(), subscripts.size()), value);
+  }
+  // Typed fast paths for one-dimensional Double arrays; error 13 on another element type.
+  double GetDouble(int32_t subscript) const;
+  void PutDouble(int32_t subscript, double value);
+
+  // Resize: without preserve the contents are reset; with preserve only the last dimension may
+  // change its count (error 9 otherwise) and the kept elements stay. Error 10 on a fixed or
+  // locked array.
+  void Redim(std::vector<Bound> bounds, bool preserve);
+  void Lock();
+  void Unlock();
+  bool fixed() const;
+  bool locked() const;
+
+ private:
+  struct Storage;
+  void Unshare();
+  std::shared_ptr<Storage> data_;
+  bool fixed_ = false;
+};
+
+}  // namespace qorvel
+
+#endif  // QORVEL_PLATFORM_SAFE_ARRAY_H_
