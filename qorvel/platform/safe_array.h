@@ -15,22 +15,31 @@ namespace qorvel {
 struct Bound {
   int32_t lower = 1;
   int32_t count = 0;
+  bool operator==(const Bound&) const = default;
 };
 
 // An automation array that carries its own bounds: any number of dimensions, lower bounds of the
 // creator's choice, the first subscript fastest in memory. Copies share storage until one side
 // writes. Element types: Double, VariantBool, text, Long, Integer and Variant.
+// A copy is a plain array: it is neither fixed nor locked, whatever the original was; a move
+// keeps both states.
 class SafeArray {
  public:
   SafeArray();  // no dimensions, no data (an unallocated dynamic array)
   SafeArray(VarType element, std::vector<Bound> bounds);
   static SafeArray Fixed(VarType element, std::vector<Bound> bounds);  // refuses a resize
+  SafeArray(const SafeArray& other);
+  SafeArray(SafeArray&& other) noexcept;
+  SafeArray& operator=(const SafeArray& other);
+  SafeArray& operator=(SafeArray&& other) noexcept;
+  ~SafeArray();
 
   VarType element_type() const;
   int32_t dims() const;
   int32_t LBound(int32_t dim = 1) const;  // error 9 for a dimension that isn't there
   int32_t UBound(int32_t dim = 1) const;
   int64_t size() const;  // elements in all
+  std::vector<Bound> bounds() const;
 
   // Element access by subscripts, one per dimension in declaration order; error 9 when a
   // subscript is outside its bounds or their number is wrong.
@@ -55,11 +64,25 @@ class SafeArray {
   bool fixed() const;
   bool locked() const;
 
+  // A copy with every element converted to `element` (6 or 13 when one doesn't convert).
+  SafeArray ConvertedTo(VarType element) const;
+  // Takes the contents of `source`, converted to this array's element type; what a write through
+  // a by-reference array does. A fixed or locked array takes only a source of its own bounds
+  // (error 10 otherwise) and stays fixed or locked.
+  void AssignFrom(const SafeArray& source);
+
  private:
   struct Storage;
+  const Storage& storage() const;
+  int64_t Offset(std::span<const int32_t> subscripts) const;
   void Unshare();
-  std::shared_ptr<Storage> data_;
+  void PutAt(int64_t offset, const Variant& value);
+  template <class T>
+  void Store(int64_t offset, T value);
+
+  std::shared_ptr<Storage> data_;  // null for an unallocated array of Variant
   bool fixed_ = false;
+  int32_t locks_ = 0;
 };
 
 }  // namespace qorvel

@@ -47,6 +47,7 @@ class Variant {
   Variant(int32_t v);
   Variant(double v);
   Variant(VariantBool v);
+  Variant(bool v);  // true and false as VariantBool -1 and 0
   Variant(std::string v);
   Variant(std::string_view v);
   Variant(const char* v);
@@ -103,6 +104,8 @@ class Variant {
     uint16_t vt;
     void* target;
   };
+  const Variant* Referenced() const;  // the target of a reference to a Variant, else nullptr
+
   using Storage = std::variant<std::monostate, NullTag, int16_t, int32_t, double, std::string,
                                AutomationObject, VariantBool, std::shared_ptr<SafeArray>, Ref_>;
   Storage value_;

@@ -1,0 +1,109 @@
+#include "qorvel/platform/collection.h"
+
+#include <algorithm>
+#include <cctype>
+#include <memory>
+
+#include "qorvel/platform/error.h"
+
+namespace qorvel {
+
+namespace {
+
+std::string Folded(std::string_view text) {
+  std::string folded(text);
+  for (char& c : folded) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return folded;
+}
+
+bool IsMember(std::string_view member, std::string_view name) {
+  return member.size() == name.size() && Folded(member) == Folded(name);
+}
+
+// Keys are text; an Empty key or empty text means the member has none.
+std::string KeyOf(const Variant& key) {
+  if (key.is_empty()) return "";
+  if (key.type() != VarType::kText) Raise(err::kTypeMismatch);
+  return Folded(key.ToText());
+}
+
+void ExpectArgs(std::span<Variant> args, size_t least, size_t most) {
+  if (args.size() < least || args.size() > most) Raise(err::kWrongArgs);
+}
+
+Variant ArgOrEmpty(std::span<Variant> args, size_t i) {
+  return i < args.size() ? args[i] : Variant();
+}
+
+}  // namespace
+
+int32_t Collection::Count() const { return static_cast<int32_t>(items_.size()); }
+
+size_t Collection::Position(const Variant& index) const {
+  if (index.type() == VarType::kText) {
+    std::string key = KeyOf(index);
+    auto it = std::find(keys_.begin(), keys_.end(), key);
+    if (key.empty() || it == keys_.end()) Raise(err::kInvalidCall);
+    return static_cast<size_t>(it - keys_.begin());
+  }
+  int32_t number = index.ToLong();
+  if (number < 1 || number > Count()) Raise(err::kSubscript);
+  return static_cast<size_t>(number - 1);
+}
+
+Variant Collection::Item(const Variant& index) const { return items_[Position(index)]; }
+
+void Collection::Add(const Variant& item, const Variant& key, const Variant& before,
+                     const Variant& after) {
+  if (!before.is_empty() && !after.is_empty()) Raise(err::kInvalidCall);
+  std::string folded = KeyOf(key);
+  if (!folded.empty() && key_set_.count(folded)) {
+    Raise(kDuplicateKey, "This key is already associated with an element of this collection");
+  }
+  size_t at = items_.size();
+  if (!before.is_empty()) at = Position(before);
+  if (!after.is_empty()) at = Position(after) + 1;
+  items_.insert(items_.begin() + at, item.Deref());
+  keys_.insert(keys_.begin() + at, folded);
+  if (!folded.empty()) key_set_.insert(folded);
+}
+
+void Collection::Remove(const Variant& index) {
+  size_t at = Position(index);
+  key_set_.erase(keys_[at]);
+  items_.erase(items_.begin() + at);
+  keys_.erase(keys_.begin() + at);
+}
+
+Variant Collection::Invoke(std::string_view member, CallKind kind, std::span<Variant> args) {
+  MemberShape shape = Shape(member);
+  if (shape == MemberShape::kMissing || kind == CallKind::kPropertyPut) Raise(err::kNoMember);
+  if (IsMember(member, "Count")) {
+    ExpectArgs(args, 0, 0);
+    return Count();
+  }
+  if (IsMember(member, "Add")) {
+    ExpectArgs(args, 1, 4);
+    Add(args[0], ArgOrEmpty(args, 1), ArgOrEmpty(args, 2), ArgOrEmpty(args, 3));
+    return {};
+  }
+  ExpectArgs(args, 1, 1);
+  if (IsMember(member, "Remove")) {
+    Remove(args[0]);
+    return {};
+  }
+  return Item(args[0]);
+}
+
+MemberShape Collection::Shape(std::string_view member) const {
+  if (IsMember(member, "Count")) return MemberShape::kProperty;
+  if (member.empty() || IsMember(member, "Item") || IsMember(member, "Add") ||
+      IsMember(member, "Remove")) {
+    return MemberShape::kMethod;
+  }
+  return MemberShape::kMissing;
+}
+
+AutomationObject NewCollection() { return std::make_shared<Collection>(); }
+
+}  // namespace qorvel

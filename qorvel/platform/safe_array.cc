@@ -1,0 +1,279 @@
+#include "qorvel/platform/safe_array.h"
+
+#include <limits>
+#include <new>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "qorvel/platform/error.h"
+
+namespace qorvel {
+
+struct SafeArray::Storage {
+  VarType element = VarType::kVariant;
+  std::vector<Bound> bounds;
+  // One typed vector, first subscript fastest; Integer and VariantBool elements share the
+  // 16-bit form.
+  std::variant<std::vector<Variant>, std::vector<double>, std::vector<int16_t>,
+               std::vector<int32_t>, std::vector<std::string>>
+      items;
+};
+
+namespace {
+
+inline constexpr int32_t kOutOfMemory = 7;
+
+[[noreturn]] void RaiseOutOfMemory() { Raise(kOutOfMemory, "Out of memory"); }
+
+// The number of elements the bounds describe; 9 for a bound no subscript could reach.
+int64_t ElementCount(const std::vector<Bound>& bounds) {
+  if (bounds.empty()) return 0;
+  bool any_empty = false;
+  for (const Bound& b : bounds) {
+    if (b.count < 0) Raise(err::kSubscript);
+    if (int64_t{b.lower} + b.count - 1 > std::numeric_limits<int32_t>::max()) {
+      Raise(err::kSubscript);
+    }
+    any_empty = any_empty || b.count == 0;
+  }
+  if (any_empty) return 0;
+  int64_t total = 1;
+  for (const Bound& b : bounds) {
+    total *= b.count;
+    if (total > std::numeric_limits<int32_t>::max()) RaiseOutOfMemory();
+  }
+  return total;
+}
+
+template <class Items>
+void Resize(Items& items, int64_t count) {
+  try {
+    std::visit([count](auto& v) { v.resize(static_cast<size_t>(count)); }, items);
+  } catch (const std::bad_alloc&) {
+    RaiseOutOfMemory();
+  }
+}
+
+Variant ElementAt(const auto& storage, int64_t offset) {
+  const auto& items = storage.items;
+  switch (storage.element) {
+    case VarType::kDouble:
+      return std::get<std::vector<double>>(items)[offset];
+    case VarType::kBool:
+      return MakeVariantBool(std::get<std::vector<int16_t>>(items)[offset]);
+    case VarType::kInteger:
+      return std::get<std::vector<int16_t>>(items)[offset];
+    case VarType::kLong:
+      return std::get<std::vector<int32_t>>(items)[offset];
+    case VarType::kText:
+      return std::get<std::vector<std::string>>(items)[offset];
+    default:
+      return std::get<std::vector<Variant>>(items)[offset];
+  }
+}
+
+}  // namespace
+
+SafeArray::SafeArray() = default;
+
+SafeArray::SafeArray(VarType element, std::vector<Bound> bounds) : data_(new Storage) {
+  int64_t count = ElementCount(bounds);
+  data_->element = element;
+  switch (element) {
+    case VarType::kVariant:
+      break;
+    case VarType::kDouble:
+      data_->items = std::vector<double>();
+      break;
+    case VarType::kBool:
+    case VarType::kInteger:
+      data_->items = std::vector<int16_t>();
+      break;
+    case VarType::kLong:
+      data_->items = std::vector<int32_t>();
+      break;
+    case VarType::kText:
+      data_->items = std::vector<std::string>();
+      break;
+    default:
+      Raise(err::kInvalidCall);
+  }
+  Resize(data_->items, count);
+  data_->bounds = std::move(bounds);
+}
+
+SafeArray SafeArray::Fixed(VarType element, std::vector<Bound> bounds) {
+  SafeArray array(element, std::move(bounds));
+  array.fixed_ = true;
+  return array;
+}
+
+SafeArray::SafeArray(const SafeArray& other) : data_(other.data_) {}
+
+SafeArray::SafeArray(SafeArray&& other) noexcept
+    : data_(std::move(other.data_)), fixed_(other.fixed_), locks_(other.locks_) {
+  other.fixed_ = false;
+  other.locks_ = 0;
+}
+
+SafeArray& SafeArray::operator=(const SafeArray& other) {
+  data_ = other.data_;
+  fixed_ = false;
+  locks_ = 0;
+  return *this;
+}
+
+SafeArray& SafeArray::operator=(SafeArray&& other) noexcept {
+  if (this != &other) {
+    data_ = std::move(other.data_);
+    fixed_ = std::exchange(other.fixed_, false);
+    locks_ = std::exchange(other.locks_, 0);
+  }
+  return *this;
+}
+
+SafeArray::~SafeArray() = default;
+
+const SafeArray::Storage& SafeArray::storage() const {
+  static const Storage kUnallocated;
+  return data_ ? *data_ : kUnallocated;
+}
+
+VarType SafeArray::element_type() const { return storage().element; }
+int32_t SafeArray::dims() const { return static_cast<int32_t>(storage().bounds.size()); }
+std::vector<Bound> SafeArray::bounds() const { return storage().bounds; }
+
+int32_t SafeArray::LBound(int32_t dim) const {
+  if (dim < 1 || dim > dims()) Raise(err::kSubscript);
+  return storage().bounds[dim - 1].lower;
+}
+
+int32_t SafeArray::UBound(int32_t dim) const {
+  if (dim < 1 || dim > dims()) Raise(err::kSubscript);
+  const Bound& b = storage().bounds[dim - 1];
+  return b.lower + b.count - 1;
+}
+
+int64_t SafeArray::size() const {
+  int64_t total = dims() > 0 ? 1 : 0;
+  for (const Bound& b : storage().bounds) total *= b.count;
+  return total;
+}
+
+int64_t SafeArray::Offset(std::span<const int32_t> subscripts) const {
+  const std::vector<Bound>& bounds = storage().bounds;
+  if (subscripts.empty() || subscripts.size() != bounds.size()) Raise(err::kSubscript);
+  int64_t offset = 0;
+  int64_t stride = 1;
+  for (size_t d = 0; d < bounds.size(); ++d) {
+    int64_t index = int64_t{subscripts[d]} - bounds[d].lower;
+    if (index < 0 || index >= bounds[d].count) Raise(err::kSubscript);
+    offset += index * stride;
+    stride *= bounds[d].count;
+  }
+  return offset;
+}
+
+Variant SafeArray::Get(std::span<const int32_t> subscripts) const {
+  return ElementAt(storage(), Offset(subscripts));
+}
+
+void SafeArray::Put(std::span<const int32_t> subscripts, const Variant& value) {
+  PutAt(Offset(subscripts), value);
+}
+
+// Converts first: a value that doesn't fit leaves the array (and its sharers) untouched.
+void SafeArray::PutAt(int64_t offset, const Variant& value) {
+  switch (element_type()) {
+    case VarType::kDouble:
+      return Store(offset, value.ToDouble());
+    case VarType::kBool:
+      return Store(offset, RawBool(value.ToBool()));
+    case VarType::kInteger:
+      return Store(offset, value.ToInteger());
+    case VarType::kLong:
+      return Store(offset, value.ToLong());
+    case VarType::kText:
+      return Store(offset, value.ToText());
+    default:
+      return Store(offset, value.Deref());
+  }
+}
+
+template <class T>
+void SafeArray::Store(int64_t offset, T value) {
+  Unshare();
+  std::get<std::vector<T>>(data_->items)[offset] = std::move(value);
+}
+
+double SafeArray::GetDouble(int32_t subscript) const {
+  if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
+  return std::get<std::vector<double>>(storage().items)[Offset({&subscript, 1})];
+}
+
+void SafeArray::PutDouble(int32_t subscript, double value) {
+  if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
+  Store(Offset({&subscript, 1}), value);
+}
+
+// Copy on write: the first write through a shared array gives it storage of its own.
+void SafeArray::Unshare() {
+  if (data_ && data_.use_count() == 1) return;
+  try {
+    data_ = std::make_shared<Storage>(storage());
+  } catch (const std::bad_alloc&) {
+    RaiseOutOfMemory();
+  }
+}
+
+void SafeArray::Redim(std::vector<Bound> bounds, bool preserve) {
+  if (fixed_ || locks_ > 0) Raise(err::kArrayLocked);
+  int64_t count = ElementCount(bounds);
+  const std::vector<Bound>& old = storage().bounds;
+  if (!preserve || old.empty()) {
+    SafeArray fresh(element_type(), std::move(bounds));
+    data_ = std::move(fresh.data_);
+    return;
+  }
+  // Only the last dimension is slowest in memory, so only its count can change with the
+  // kept elements staying where they are.
+  if (bounds.size() != old.size() || bounds.back().lower != old.back().lower) {
+    Raise(err::kSubscript);
+  }
+  for (size_t d = 0; d + 1 < old.size(); ++d) {
+    if (bounds[d] != old[d]) Raise(err::kSubscript);
+  }
+  Unshare();
+  Resize(data_->items, count);
+  data_->bounds = std::move(bounds);
+}
+
+void SafeArray::Lock() { ++locks_; }
+
+void SafeArray::Unlock() {
+  if (locks_ == 0) Raise(err::kInvalidCall);
+  --locks_;
+}
+
+bool SafeArray::fixed() const { return fixed_; }
+bool SafeArray::locked() const { return locks_ > 0; }
+
+SafeArray SafeArray::ConvertedTo(VarType element) const {
+  if (element == element_type()) return *this;
+  const Storage& from = storage();
+  SafeArray result(element, from.bounds);
+  int64_t count = size();
+  for (int64_t i = 0; i < count; ++i) result.PutAt(i, ElementAt(from, i));
+  return result;
+}
+
+void SafeArray::AssignFrom(const SafeArray& source) {
+  SafeArray converted = source.ConvertedTo(element_type());
+  if ((fixed_ || locks_ > 0) && converted.storage().bounds != storage().bounds) {
+    Raise(err::kArrayLocked);
+  }
+  data_ = std::move(converted.data_);
+}
+
+}  // namespace qorvel
