@@ -17,6 +17,7 @@ inline constexpr int32_t kArrayLocked = 10;   // "This array is fixed or tempora
 inline constexpr int32_t kTypeMismatch = 13;  // "Type mismatch"
 inline constexpr int32_t kFileNotFound = 53;  // "File not found"
 inline constexpr int32_t kObjectNotSet = 91;  // "Object variable or With block variable not set"
+inline constexpr int32_t kInvalidNull = 94;   // "Invalid use of Null"
 inline constexpr int32_t kCantCreate = 429;   // "ActiveX component can't create object"
 inline constexpr int32_t kNoMember = 438;     // "Object doesn't support this property or method"
 inline constexpr int32_t kWrongArgs =
