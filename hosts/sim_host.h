@@ -1,6 +1,7 @@
 #ifndef HOSTS_SIM_HOST_H_
 #define HOSTS_SIM_HOST_H_
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -52,6 +53,10 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   void GoAway();
   bool gone() const;
 
+  // Registers this host as running in `env`, visible to BindRunning after `delay` (a program
+  // that is still starting up).
+  void RegisterRunning(Env& env, std::chrono::milliseconds delay);
+
   // Window and session state the members read and write.
   bool busy = false;
   VariantBool visible = VariantBool::kTrue;
@@ -69,6 +74,7 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
 
  private:
   Variant Answer(std::string_view member, CallKind kind, std::span<Variant> args);
+  void GoAwayLocked();
 
   std::string class_name_;
   std::vector<Call> log_;
@@ -76,7 +82,11 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   std::map<std::string, std::string> scripted_;                     // upper-cased command -> output
   std::map<std::string, std::pair<int32_t, std::string>> failing_;  // upper-cased member
   bool gone_ = false;
+  Env* registered_env_ = nullptr;
 };
+
+// Upper-case copy, for the host's case-insensitive command line.
+std::string Upper(std::string_view text);
 
 // Where the simulated programs are "installed": launcher paths and registry entries match the
 // default .reg file in hosts/.

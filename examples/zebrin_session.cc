@@ -1,0 +1,41 @@
+// A whole Zebrin session against the simulated host: start it through the registry, send
+// commands, capture output, and read what the control reports.
+#include <iostream>
+
+#include "hosts/simulators.h"
+#include "qorvel/platform/env.h"
+#include "qorvel/session/zebrin.h"
+
+int main() {
+  using qorvel::VariantBool;
+  qorvel::Env::Current().messages().set_echo(true);
+  qorvel::hosts::InstallSimulatedHosts();
+
+  qorvel::Zebrin zebrin;
+  zebrin.Initialize();
+  auto yes_no = [](VariantBool b) { return b == VariantBool::kTrue ? "yes" : "no"; };
+  std::cout << "connected before Connect: " << yes_no(zebrin.Connected()) << "\n";
+  zebrin.Connect(1);  // qvStartZebrin: start the program through the registry
+  std::cout << "connected: " << yes_no(zebrin.Connected()) << ", version " << zebrin.version()
+            << "\n";
+
+  zebrin.SetInformationWindow(VariantBool::kTrue);
+  zebrin.Execute("ECHO this output is dropped");
+  std::cout << "captured: " << zebrin.ExecuteEx("ECHO hello from Zebrin");
+  std::cout << "busy: " << yes_no(zebrin.Busy()) << ", window state " << zebrin.WindowState()
+            << ", visible " << yes_no(zebrin.Visible()) << "\n";
+  zebrin.SetWindowState(2);  // qvMaximise
+  std::cout << "window state after maximise: " << zebrin.WindowState() << "\n";
+
+  auto host = qorvel::hosts::LastStarted("Zebrin.Document");
+  std::cout << "the host saw " << host->log().size() << " calls:\n";
+  for (const auto& call : host->log()) {
+    std::cout << "  " << call.member;
+    for (const auto& arg : call.args) std::cout << " [" << arg.ToText() << "]";
+    std::cout << "\n";
+  }
+  zebrin.Terminate();
+  std::cout << "after Terminate, connected: " << yes_no(zebrin.Connected()) << "\n";
+  std::cout << "message boxes shown: " << qorvel::Env::Current().messages().shown().size() << "\n";
+  return 0;
+}

@@ -1,0 +1,113 @@
+#include "qorvel/frame/host_link.h"
+
+#include <vector>
+
+#include "qorvel/frame/registry_value.h"
+#include "qorvel/platform/automation_error.h"
+#include "qorvel/platform/dispatch.h"
+#include "qorvel/platform/env.h"
+
+namespace qorvel {
+namespace {
+
+constexpr HostProfile kProfiles[3] = {
+    {"ZebrinConnection", "Zebrin.Document", "SOFTWARE\\Halvern\\Exec\\zebrin",
+     "SOFTWARE\\Halvern\\zebrin\\", "Error starting Zebrin", "Cannot start remote Zebrin session",
+     "Error connecting to Zebrin", "Zebrn cannot be linked to application"},
+    {"Tarvik_stuff", "Tarvik.Document", "SOFTWARE\\Halvern\\Exec\\tarvik",
+     "SOFTWARE\\Halvern\\tarvik\\", "Error starting Tarvik", "Cannot start remote Tarvik session",
+     "Error connecting to Tarvik", "Tarvik cannot be linked to VB application"},
+    {"Ulmora_connection", "Ulmora.Application", "", "", "", "", "", ""},
+};
+
+constexpr int32_t kCriticalStop = 4112;  // critical-stop icon, OK only, system modal
+constexpr int32_t kMaximisedWithFocus = 3;
+
+}  // namespace
+
+const HostProfile& ProfileOf(Host host) { return kProfiles[static_cast<int>(host)]; }
+
+HostLink& HostLink::Of(Host host) {
+  thread_local HostLink links[3] = {HostLink(Host::kZebrin), HostLink(Host::kTarvik),
+                                    HostLink(Host::kUlmora)};
+  return links[static_cast<int>(host)];
+}
+
+VariantBool HostLink::ConnectToRunning() {
+  ClearAutomationError();
+  HoldBack(
+      [&] { object_ = Env::Current().running_objects().BindRunning(ProfileOf(host_).class_name); });
+  return ToVariantBool(AutomationError() == 0);
+}
+
+VariantBool HostLink::StartAndConnect() {
+  const HostProfile& p = ProfileOf(host_);
+  if (ConnectToRunning() == VariantBool::kTrue) return VariantBool::kTrue;
+  const std::string version = ReadRegistryValue(0x80000002, p.version_key, "CurrentVersion");
+  const std::string path =
+      ReadRegistryValue(0x80000002, p.install_key_prefix + version, "ExecutablePath");
+  Messages& messages = Env::Current().messages();
+  if (path == kNotFound) {
+    messages.ShowMessage(std::string(p.start_text) + "\rCheck registry", kCriticalStop,
+                         p.start_title);
+    return VariantBool::kFalse;
+  }
+  ClearAutomationError();
+  HoldBack([&] { Env::Current().launcher().LaunchProgram(path, kMaximisedWithFocus); });
+  if (AutomationError() != 0) {
+    messages.ShowMessage(std::string(p.start_text) + "\rCheck installation and registry settings",
+                         kCriticalStop, p.start_title);
+    return VariantBool::kFalse;
+  }
+  if (ConnectToRunning() == VariantBool::kTrue) return VariantBool::kTrue;
+  messages.ShowMessage(p.link_text, kCriticalStop, p.link_title);
+  return VariantBool::kFalse;
+}
+
+VariantBool HostLink::ConnectNew() {
+  ClearAutomationError();
+  HoldBack(
+      [&] { object_ = Env::Current().running_objects().CreateNew(ProfileOf(host_).class_name); });
+  return ToVariantBool(AutomationError() == 0);
+}
+
+VariantBool HostLink::HostExecute(const std::string& command) {
+  std::string copy = command;
+  int32_t status = 0;
+  ClearAutomationError();
+  std::vector<Variant> args{Variant::Ref(copy), Variant::Ref(status)};
+  HoldBack([&] { CallMember(object_, "Execute", args); });
+  return ToVariantBool(AutomationError() == 0);
+}
+
+std::string HostLink::HostExecuteEx(const std::string& command) {
+  return host_ == Host::kTarvik ? ExecuteExTarvik(command) : ExecuteExZebrin(command);
+}
+
+std::string HostLink::ExecuteExZebrin(const std::string& command) {
+  std::string copy = command;
+  int32_t status = 0;
+  std::string output;
+  ClearAutomationError();
+  std::vector<Variant> args{Variant::Ref(copy), Variant::Ref(status), Variant::Ref(output)};
+  HoldBack([&] { CallMember(object_, "ExecuteEx", args); });
+  if (AutomationError() != 0) output = "Error";
+  return output;
+}
+
+// Tarvik echoes commands into its output unless told not to, so every capture is preceded by
+// the command that stops the trace; the preset "Error" stands when the capture fails.
+std::string HostLink::ExecuteExTarvik(const std::string& command) {
+  std::string copy = command;
+  std::string output = "Error";
+  int32_t status = 0;
+  if (empty()) return output;
+  std::string untrace = "NLTDEBUG UNTRACE COMMAND ACCEPT";
+  std::vector<Variant> untrace_args{Variant::Ref(untrace), Variant::Ref(status)};
+  HoldBack([&] { CallMember(object_, "Execute", untrace_args); });
+  std::vector<Variant> args{Variant::Ref(copy), Variant::Ref(status), Variant::Ref(output)};
+  HoldBack([&] { CallMember(object_, "ExecuteEx", args); });
+  return output;
+}
+
+}  // namespace qorvel

@@ -1,0 +1,76 @@
+#include "qorvel/frame/registry_value.h"
+
+#include <gtest/gtest.h>
+
+#include "qorvel/platform/env.h"
+
+namespace qorvel {
+namespace {
+
+constexpr const char* kKey = "SOFTWARE\\Halvern\\Test";
+
+class ReadRegistryValueTest : public ::testing::Test {
+ protected:
+  void Set(uint32_t type, std::vector<uint8_t> bytes) {
+    env_.env().registry().SetValue(HKEY_LOCAL_MACHINE, kKey, "v", RegValue{type, std::move(bytes)});
+  }
+  static std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+  std::string Read() { return ReadRegistryValue(HKEY_LOCAL_MACHINE, kKey, "v"); }
+
+  ScopedEnv env_;
+};
+
+TEST_F(ReadRegistryValueTest, DwordsFormatWithAtLeastThreeDigits) {
+  const std::pair<uint32_t, const char*> cases[] = {{0, "000"},
+                                                    {5, "005"},
+                                                    {27, "027"},
+                                                    {999, "999"},
+                                                    {2620, "2620"},
+                                                    {0x80000000u, "2147483648"},
+                                                    {0xFFFFFFFFu, "4294967295"}};
+  for (const auto& [value, text] : cases) {
+    env_.env().registry().SetDword(HKEY_LOCAL_MACHINE, kKey, "v", value);
+    EXPECT_EQ(Read(), text) << value;
+  }
+}
+
+TEST_F(ReadRegistryValueTest, TextPathCutsByByteCount) {
+  struct Case {
+    uint32_t type;
+    std::string stored;
+    std::string expected;
+  } cases[] = {
+      {REG_SZ, std::string("2620\0", 5), "2620"},
+      {REG_SZ, std::string("\0", 1), ""},                     // size 1: empty text
+      {REG_SZ, "", std::string(2048, ' ')},                   // size 0: the cut fails
+      {REG_SZ, "abc", "ab"},                                  // no terminator: last char lost
+      {REG_BINARY, "\x01\x02\x03", "\x01\x02"},               // binary takes the text path
+      {REG_EXPAND_SZ, std::string("%PATH%\0", 7), "%PATH%"},  // no expansion
+      {REG_SZ, std::string(2047, 'x') + '\0', std::string(2047, 'x')},
+      {REG_SZ, std::string(2048, 'x') + '\0', "Not Found"},  // more data than the buffer
+  };
+  for (const Case& c : cases) {
+    Set(c.type, Bytes(c.stored));
+    EXPECT_EQ(Read(), c.expected) << c.stored.size() << " bytes of type " << c.type;
+  }
+}
+
+TEST_F(ReadRegistryValueTest, MissingKeyOrValueIsNotFound) {
+  env_.env().registry().SetString(HKEY_LOCAL_MACHINE, kKey, "other", "x");
+  EXPECT_EQ(Read(), "Not Found");
+  EXPECT_EQ(ReadRegistryValue(HKEY_LOCAL_MACHINE, "SOFTWARE\\Nowhere", "v"), "Not Found");
+  EXPECT_EQ(ReadRegistryValue(HKEY_CURRENT_USER, kKey, "other"), "Not Found");
+}
+
+TEST_F(ReadRegistryValueTest, ClosesTheKeyOncePerCall) {
+  Registry& registry = env_.env().registry();
+  env_.env().registry().SetString(HKEY_LOCAL_MACHINE, kKey, "v", "x");
+  const int before = registry.close_calls();
+  Read();
+  ReadRegistryValue(HKEY_LOCAL_MACHINE, "SOFTWARE\\Nowhere", "v");
+  EXPECT_EQ(registry.close_calls(), before + 2);
+  EXPECT_EQ(registry.open_handles(), 0);
+}
+
+}  // namespace
+}  // namespace qorvel
