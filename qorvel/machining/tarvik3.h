@@ -1,0 +1,86 @@
+#ifndef QORVEL_MACHINING_TARVIK3_H_
+#define QORVEL_MACHINING_TARVIK3_H_
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "qorvel/platform/variant.h"
+
+namespace qorvel {
+
+inline constexpr int32_t kOldTarvikError = 60000;
+inline constexpr const char* kOldTarvikText = "Control only supports Tarvik3 onwards";
+
+// The machining host control. The session members follow Zebrin's, with three connect modes
+// and a gate on the host version; the rest speaks the host's SIZE, EDIT and PRINT commands.
+class Tarvik3 {
+ public:
+  // Session.
+  void Connect(int32_t connection_status = 0);  // TarvikConnectType: 0 bind, 1 start, 2 new
+  void Execute(const std::string& command);
+  std::string ExecuteEx(const std::string& command);
+  void Disconnect();
+  void ExitTarvik();
+  int16_t version();
+  VariantBool Connected();
+  VariantBool Busy();
+  int32_t WindowState();
+  void SetWindowState(int32_t new_state);
+  VariantBool Dialogs();
+  void SetDialogs(VariantBool onoff);
+  VariantBool Visible();
+  void SetVisible(VariantBool yesno);
+
+  // Block and model.
+  void StoreBlock();
+  void StoreModel();
+  void ResizeBlock(double offset, VariantBool XminLock = VariantBool::kFalse,
+                   VariantBool XmaxLock = VariantBool::kFalse,
+                   VariantBool YminLock = VariantBool::kFalse,
+                   VariantBool YmaxLock = VariantBool::kFalse,
+                   VariantBool ZminLock = VariantBool::kFalse,
+                   VariantBool ZmaxLock = VariantBool::kFalse);
+  void SetBlock(int32_t axis, double value);
+  double BlockSize(int32_t axis);
+  double ModelSize(int32_t axis);
+  VariantBool IsModelLoaded();
+  VariantBool BlockDefined();
+
+  // Tools and units.
+  void DefineTool(int32_t ToolType, double Diameter, double Length = -1, double TipRad = -1,
+                  double Angle = -1, double Chamfer = -1, double XOffset = 0, double YOffset = 0,
+                  int32_t ToolNumber = -1, const std::string& ToolName = "");
+  int32_t Units();
+  void SetUnits(int32_t useunits);
+
+  // Entity lists: the client's collection is emptied and filled by late-bound calls.
+  void GetToolpathList(AutomationObject& ToolpathList, int32_t& ActiveToolpath);
+  void GetPatternList(AutomationObject& PatternList, int32_t& ActivePattern);
+  void GetWorkplaneList(AutomationObject& WorkplaneList, int32_t& ActiveWorkplane);
+  void SizeToolpath(std::string& ToolpathName, double& XMIN, double& XMAX, double& YMIN,
+                    double& YMAX, double& ZMIN, double& ZMAX);
+
+  // Control life, sent by the container.
+  void Initialize();
+  void Terminate();
+
+ private:
+  void ProbeVersion();
+  void ParseBlockReply(std::string reply);
+  void FillList(const char* command, AutomationObject& list, int32_t& active);
+
+  VariantBool ConnectedFlag = VariantBool::kFalse;
+  int16_t HostVersion = 0;
+  int16_t CachedWindowState = 0;
+  int16_t CachedUnits = 0;
+  std::array<double, 6> BlockLimits{};  // in AxisType order, qvxmin first
+  std::array<double, 6> ModelLimits{};
+  VariantBool BlockStored = VariantBool::kFalse;
+  VariantBool ModelStored = VariantBool::kFalse;
+  VariantBool CachedVisible = VariantBool::kFalse;
+};
+
+}  // namespace qorvel
+
+#endif  // QORVEL_MACHINING_TARVIK3_H_
