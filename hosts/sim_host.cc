@@ -1,8 +1,8 @@
 #include "hosts/sim_host.h"
 
-#include <algorithm>
 #include <cctype>
 
+#include "hosts/host_table.h"
 #include "qorvel/platform/error.h"
 
 namespace qorvel::hosts {
@@ -13,68 +13,97 @@ std::string Upper(std::string_view text) {
   return out;
 }
 
-SimHost::SimHost(std::string class_name) : class_name_(std::move(class_name)) {}
-
-Variant SimHost::Invoke(std::string_view member, CallKind kind, std::span<Variant> args) {
-  std::lock_guard lock(mu_);
-  Call call{std::string(member), kind, {}};
-  for (const Variant& a : args) call.args.push_back(a.Deref());
-  log_.push_back(std::move(call));
-  if (gone_) Raise(err::kServerGone);
-  if (auto f = failing_.find(Upper(member)); f != failing_.end()) {
-    throw Error(f->second.first, f->second.second);
-  }
-  return Answer(member, kind, args);
-}
-
 namespace {
 
 void NeedArgs(std::span<Variant> args, size_t count) {
   if (args.size() != count) Raise(err::kWrongArgs);
 }
 
+// A property read, which takes no arguments.
+Variant Read(std::span<Variant> args, Variant value) {
+  NeedArgs(args, 0);
+  return value;
+}
+
 }  // namespace
+
+SimHost::SimHost(std::string class_name) : class_name_(std::move(class_name)) {}
+
+// The log comes first, so a test sees every call, also the ones a fault turns away.
+Variant SimHost::Invoke(std::string_view member, CallKind kind, std::span<Variant> args) {
+  std::lock_guard lock(mu_);
+  Call call{std::string(member), kind, {}};
+  for (const Variant& a : args) call.args.push_back(a.Deref());
+  log_.push_back(std::move(call));
+  if (gone_) Raise(err::kServerGone);
+  if (auto f = failing_members_.find(Upper(member)); f != failing_members_.end()) {
+    throw Error(f->second.number, f->second.description);
+  }
+  return Answer(member, kind, args);
+}
 
 Variant SimHost::Answer(std::string_view member, CallKind kind, std::span<Variant> args) {
   const std::string name = Upper(member);
   const bool put = kind == CallKind::kPropertyPut;
-  if (name == "VERSION" && !put) return version_;
-  if (name == "BUSY" && !put) return ToVariantBool(busy);
-  if (name == "WINDOWSTATE") {
-    if (!put) return window_state;
+  if (name == "WINDOWSTATE" && put) {
     NeedArgs(args, 1);
     window_state = args[0].ToInteger();
     return {};
   }
-  if (name == "VISIBLE") {
-    if (!put) return visible;
+  if (name == "VISIBLE" && put) {
     NeedArgs(args, 1);
     visible = args[0].ToBool();
     return {};
   }
-  if (name == "EXIT" && kind == CallKind::kMethod) {
+  if (put) return OtherMember(member, kind, args);
+  if (name == "VERSION") return Read(args, version_);
+  if (name == "BUSY") return Read(args, ToVariantBool(busy));
+  if (name == "WINDOWSTATE") return Read(args, window_state);
+  if (name == "VISIBLE") return Read(args, visible);
+  if (name == "EXIT") {
+    NeedArgs(args, 0);
     exited = true;
-    GoAwayLocked();
+    Leave();
+    if (!linger_on_exit) gone_ = true;
     return {};
   }
-  if (name == "EXECUTE" && kind == CallKind::kMethod) {
+  if (name == "EXECUTE") {
     NeedArgs(args, 2);
-    RunCommand(args[0].ToText());
+    Command(args[0]);
     return {};
   }
-  if (name == "EXECUTEEX" && kind == CallKind::kMethod) {
+  if (name == "EXECUTEEX") {
     NeedArgs(args, 3);
-    const std::string command = args[0].ToText();
-    auto scripted = scripted_.find(Upper(command));
-    args[2].Assign(Variant(scripted != scripted_.end() ? scripted->second : RunCommand(command)));
+    args[2].Assign(Variant(Command(args[0])));
     return {};
   }
   return OtherMember(member, kind, args);
 }
 
+std::string SimHost::Command(const Variant& command) {
+  const std::string text = command.ToText();
+  const std::string key = Upper(text);
+  if (auto f = failing_commands_.find(key); f != failing_commands_.end()) {
+    throw Error(f->second.number, f->second.description);
+  }
+  if (auto s = scripted_.find(key); s != scripted_.end()) return s->second;
+  return RunCommand(text);
+}
+
 Variant SimHost::OtherMember(std::string_view, CallKind, std::span<Variant>) {
   Raise(err::kNoMember);
 }
+
+MemberShape SimHost::Shape(std::string_view member) const {
+  const std::string name = Upper(member);
+  if (name == "VERSION" || name == "BUSY" || name == "WINDOWSTATE" || name == "VISIBLE") {
+    return MemberShape::kProperty;
+  }
+  if (name == "EXIT" || name == "EXECUTE" || name == "EXECUTEEX") return MemberShape::kMethod;
+  return OtherShape(name);
+}
+
+MemberShape SimHost::OtherShape(std::string_view) const { return MemberShape::kMissing; }
 
 std::vector<Call> SimHost::log() const {
   std::lock_guard lock(mu_);
@@ -87,7 +116,11 @@ std::vector<std::string> SimHost::commands() const {
   for (const Call& c : log_) {
     const std::string name = Upper(c.member);
     if ((name == "EXECUTE" || name == "EXECUTEEX") && !c.args.empty()) {
-      out.push_back(c.args[0].ToText());
+      try {
+        out.push_back(c.args[0].ToText());
+      } catch (const Error&) {
+        out.push_back("");  // a command that was no text
+      }
     }
   }
   return out;
@@ -103,26 +136,39 @@ void SimHost::set_version(Variant version) {
   version_ = std::move(version);
 }
 
+Variant SimHost::version() const {
+  std::lock_guard lock(mu_);
+  return version_;
+}
+
 void SimHost::ScriptReply(const std::string& command, const std::string& output) {
   std::lock_guard lock(mu_);
   scripted_[Upper(command)] = output;
 }
 
+void SimHost::FailCommand(const std::string& command, int32_t number,
+                          const std::string& description) {
+  std::lock_guard lock(mu_);
+  failing_commands_[Upper(command)] = {number, description};
+}
+
 void SimHost::FailMember(const std::string& member, int32_t number,
                          const std::string& description) {
   std::lock_guard lock(mu_);
-  failing_[Upper(member)] = {number, description};
+  failing_members_[Upper(member)] = {number, description};
+}
+
+void SimHost::ClearFaults() {
+  std::lock_guard lock(mu_);
+  scripted_.clear();
+  failing_commands_.clear();
+  failing_members_.clear();
 }
 
 void SimHost::GoAway() {
   std::lock_guard lock(mu_);
-  GoAwayLocked();
-}
-
-void SimHost::GoAwayLocked() {
   gone_ = true;
-  if (registered_env_ != nullptr) registered_env_->running_objects().Revoke(class_name_);
-  registered_env_ = nullptr;
+  Leave();
 }
 
 bool SimHost::gone() const {
@@ -131,10 +177,17 @@ bool SimHost::gone() const {
 }
 
 void SimHost::RegisterRunning(Env& env, std::chrono::milliseconds delay) {
-  std::lock_guard lock(mu_);
-  registered_env_ = &env;
-  env.running_objects().Register(class_name_, shared_from_this(),
-                                 RunningObjects::Clock::now() + delay);
+  std::shared_ptr<HostTable> table = HostTable::Of(env);
+  {
+    std::lock_guard lock(mu_);
+    table_ = table;
+  }
+  table->RegisterRunning(shared_from_this(), delay);
+}
+
+void SimHost::Leave() {
+  if (std::shared_ptr<HostTable> table = table_.lock()) table->RevokeRunning(*this);
+  table_.reset();
 }
 
 }  // namespace qorvel::hosts

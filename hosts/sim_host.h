@@ -17,6 +17,8 @@
 
 namespace qorvel::hosts {
 
+class HostTable;
+
 // One call a simulated host received: the member name as sent, the kind, and the arguments as
 // they arrived (references followed).
 struct Call {
@@ -25,6 +27,10 @@ struct Call {
   std::vector<Variant> args;
 };
 
+// The error number a simulated host raises from Execute and ExecuteEx when it rejects a
+// command; the description says why, as the host's command line would.
+inline constexpr int32_t kCommandRejected = 1000;
+
 // The common part of a simulated host: a real automation object that logs every call, answers
 // the session members (version, Busy, WindowState, Visible, Exit, Execute, ExecuteEx) and takes
 // faults. A concrete host supplies its command language in RunCommand.
@@ -32,6 +38,7 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
  public:
   explicit SimHost(std::string class_name);
   Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) final;
+  MemberShape Shape(std::string_view member) const final;
 
   const std::string& class_name() const { return class_name_; }
 
@@ -44,11 +51,16 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
 
   // Faults.
   void set_version(Variant version);  // any value: 0, negative, beyond 16 bits, text
-  // ExecuteEx of `command` (matched without regard to case) puts `output` in the output
-  // argument instead of the host's own answer.
+  Variant version() const;
+  // Execute and ExecuteEx of `command` (matched without regard to case) take it without
+  // running it, and ExecuteEx puts `output` in the output argument.
   void ScriptReply(const std::string& command, const std::string& output);
+  // Execute and ExecuteEx of `command` (matched without regard to case) raise this error.
+  void FailCommand(const std::string& command, int32_t number, const std::string& description);
   // Every later call of `member` raises this error.
   void FailMember(const std::string& member, int32_t number, const std::string& description);
+  // Drops the scripted replies, failing commands and failing members.
+  void ClearFaults();
   // The host goes away: it leaves the running-object table and every later call raises 462.
   void GoAway();
   bool gone() const;
@@ -62,30 +74,42 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   VariantBool visible = VariantBool::kTrue;
   int16_t window_state = 1;
   bool exited = false;
+  // Exit makes the host go away at once. When set, Exit only takes it out of the running-object
+  // table and it goes on answering until GoAway: a program that needs a moment to close.
+  bool linger_on_exit = false;
 
  protected:
   // Runs one command of the host's language; returns its output. A command the host rejects
-  // raises an Error, as the real host's Execute does.
+  // raises an Error, as the real host's Execute does. Runs under `mu_`.
   virtual std::string RunCommand(const std::string& command) = 0;
-  // Members beyond the session family; raise 438 for unknown ones.
+  // Members beyond the session family; raise 438 for unknown ones. Run under `mu_`.
   virtual Variant OtherMember(std::string_view member, CallKind kind, std::span<Variant> args);
+  // What OtherMember knows of a member, by its upper-cased name.
+  virtual MemberShape OtherShape(std::string_view upper_member) const;
 
   mutable std::recursive_mutex mu_;
 
  private:
-  Variant Answer(std::string_view member, CallKind kind, std::span<Variant> args);
-  void GoAwayLocked();
+  struct Failure {
+    int32_t number;
+    std::string description;
+  };
 
-  std::string class_name_;
+  Variant Answer(std::string_view member, CallKind kind, std::span<Variant> args);
+  std::string Command(const Variant& command);
+  void Leave();  // out of the running-object table, under `mu_`
+
+  const std::string class_name_;
   std::vector<Call> log_;
   Variant version_;
-  std::map<std::string, std::string> scripted_;                     // upper-cased command -> output
-  std::map<std::string, std::pair<int32_t, std::string>> failing_;  // upper-cased member
+  std::map<std::string, std::string> scripted_;      // upper-cased command -> output
+  std::map<std::string, Failure> failing_commands_;  // upper-cased command
+  std::map<std::string, Failure> failing_members_;   // upper-cased member
   bool gone_ = false;
-  Env* registered_env_ = nullptr;
+  std::weak_ptr<HostTable> table_;  // where this host is registered as running
 };
 
-// Upper-case copy, for the host's case-insensitive command line.
+// Upper-case copy, for the host's case-insensitive command line and member names.
 std::string Upper(std::string_view text);
 
 // Where the simulated programs are "installed": launcher paths and registry entries match the

@@ -1,7 +1,8 @@
+#include "hosts/sim_host.h"
+
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
+#include <functional>
 
 #include "hosts/simulators.h"
 #include "qorvel/platform/dispatch.h"
@@ -9,13 +10,6 @@
 
 namespace qorvel::hosts {
 namespace {
-
-using namespace std::chrono_literals;
-
-class SimHostTest : public ::testing::Test {
- protected:
-  ScopedEnv env_;
-};
 
 std::string ExecuteEx(const AutomationObject& host, std::string command) {
   int32_t status = 0;
@@ -25,144 +19,205 @@ std::string ExecuteEx(const AutomationObject& host, std::string command) {
   return output;
 }
 
-int32_t ErrorOf(const std::function<void()>& f) {
+void Execute(const AutomationObject& host, std::string command) {
+  int32_t status = 0;
+  std::vector<Variant> args{Variant::Ref(command), Variant::Ref(status)};
+  CallMember(host, "Execute", args);
+}
+
+// The error a call raises: number and description; 0 and "" when it raises none.
+std::pair<int32_t, std::string> Raised(const std::function<void()>& call) {
   try {
-    f();
+    call();
   } catch (const Error& e) {
-    return e.number();
+    return {e.number(), e.description()};
   }
-  return 0;
+  return {0, ""};
 }
 
-TEST_F(SimHostTest, LogsEveryCallAsSentEvenFailedOnes) {
-  auto z = RunZebrin();
-  AutomationObject host = z;
-  GetMember(host, "VERSION");
-  EXPECT_EQ(ErrorOf([&] { CallMember(host, "NoSuchMember"); }), 438);
-  ASSERT_EQ(z->log().size(), 2u);
-  EXPECT_EQ(z->log()[0].member, "VERSION");
-  EXPECT_EQ(z->log()[1].member, "NoSuchMember");
-}
+int32_t ErrorOf(const std::function<void()>& call) { return Raised(call).first; }
 
-TEST_F(SimHostTest, FaultsVersionScriptFailureAndGoingAway) {
-  auto z = RunZebrin();
-  AutomationObject host = z;
-  EXPECT_EQ(GetMember(host, "version").ToLong(), 2300);
-  z->set_version(int32_t{70000});
-  EXPECT_EQ(GetMember(host, "version").ToLong(), 70000);
-  z->ScriptReply("print thing", "scripted\r\n");
-  EXPECT_EQ(ExecuteEx(host, "PRINT THING"), "scripted\r\n");
-  z->FailMember("busy", 1234, "busy broke");
-  try {
-    GetMember(host, "Busy");
-    FAIL();
-  } catch (const Error& e) {
-    EXPECT_EQ(e.number(), 1234);
-    EXPECT_EQ(e.description(), "busy broke");
-  }
-  z->GoAway();
-  EXPECT_EQ(ErrorOf([&] { GetMember(host, "version"); }), 462);
-  EXPECT_EQ(ErrorOf([&] { Env::Current().running_objects().BindRunning("Zebrin.Document"); }), 429);
-}
-
-TEST_F(SimHostTest, StartsThroughTheLauncherAfterItsDelay) {
-  InstallSimulatedHosts(1h);
-  Env::Current().launcher().LaunchProgram(kZebrinProgram, 3);
-  ASSERT_NE(LastStarted("Zebrin.Document"), nullptr);
-  EXPECT_EQ(ErrorOf([&] { Env::Current().running_objects().BindRunning("Zebrin.Document"); }), 429);
-  InstallSimulatedHosts();
-  Env::Current().launcher().LaunchProgram(kTarvikProgram, 3);
-  EXPECT_EQ(Env::Current().running_objects().BindRunning("Tarvik.Document"),
-            LastStarted("Tarvik.Document"));
-}
-
-TEST_F(SimHostTest, ClassServerGivesSeparateInstances) {
-  InstallSimulatedHosts();
-  auto a = Env::Current().running_objects().CreateNew("Tarvik.Document");
-  auto b = Env::Current().running_objects().CreateNew("Tarvik.Document");
-  EXPECT_NE(a, b);
-  EXPECT_EQ(StartedHosts().size(), 2u);
-}
-
-TEST_F(SimHostTest, DefaultRegFileIsTheOneBuiltIn) {
-  std::ifstream file(QORVEL_SOURCE_DIR "/hosts/simulated_hosts.reg", std::ios::binary);
-  std::stringstream text;
-  text << file.rdbuf();
-  EXPECT_EQ(text.str(), DefaultRegText());
-  InstallSimulatedHosts();
-  auto path = Env::Current().registry().GetValue(
-      HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern\\tarvik\\2620", "ExecutablePath");
-  ASSERT_TRUE(path.has_value());
-  EXPECT_EQ(std::string(path->data.begin(), path->data.end() - 1), kTarvikProgram);
-}
-
-class SimTarvikTest : public SimHostTest {
+class SimHostTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    tarvik_ = RunTarvik();
-    host_ = tarvik_;
+    zebrin_ = RunZebrin();
+    host_ = zebrin_;
   }
-  std::string Ask(const std::string& command) { return ExecuteEx(host_, command); }
+  AutomationObject Bind() {
+    return Env::Current().running_objects().BindRunning("Zebrin.Document");
+  }
 
-  std::shared_ptr<SimTarvik> tarvik_;
+  ScopedEnv env_;
+  std::shared_ptr<SimZebrin> zebrin_;
   AutomationObject host_;
 };
 
-TEST_F(SimTarvikTest, SizeRepliesHaveTheShapesTheControlReads) {
-  EXPECT_EQ(Ask("SIZE COMPONENTS"), "Components: 0\r\n");
-  EXPECT_EQ(Ask("SIZE BLOCK"), "");
-  EXPECT_EQ(ErrorOf([&] { Ask("SIZE MODEL"); }), 1000);
-  tarvik_->LoadModel({-50, -25, 0, 50, 25, 30}, 12);
-  EXPECT_EQ(Ask("size model"),
-            "Minimum: X -50.000 Y -25.000 Z 0.000\r\nMaximum: X 50.000 Y 25.000 Z 30.000\r\n"
-            "Components: 12\r\n");
-  tarvik_->AddEntity(EntityKind::kToolpath, "Rough 1", {-40, -20, 1, 40, 20, 29});
-  EXPECT_EQ(Ask("SIZE TOOLPATH \"Rough 1\""),
-            "Minimum: X -40.000 Y -20.000 Z 1.000\r\nMaximum: X 40.000 Y 20.000 Z 29.000\r\n");
-  EXPECT_EQ(ErrorOf([&] { Ask("SIZE TOOLPATH \"Nope\""); }), 1000);
-  tarvik_->AddEntity(EntityKind::kWorkplane, "W", {10, 20, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
-  EXPECT_EQ(Ask("SIZE WORKPLANE W"),
-            "Position: X 10.000 Y 20.000 Z 0.000\r\nVector: X 1.000 Y 0.000 Z 0.000\r\n"
-            "Vector: X 0.000 Y 1.000 Z 0.000\r\nVector: X 0.000 Y 0.000 Z 1.000\r\n");
+TEST_F(SimHostTest, LogsEveryCallAsSentWithItsArgumentsDereferenced) {
+  GetMember(host_, "VERSION");
+  EXPECT_EQ(ErrorOf([&] { CallMember(host_, "NoSuchMember"); }), err::kNoMember);
+  ExecuteEx(host_, "Echo hi");
+  zebrin_->FailMember("busy", 77, "no");
+  EXPECT_EQ(ErrorOf([&] { GetMember(host_, "Busy"); }), 77);
+
+  const std::vector<Call> log = zebrin_->log();
+  ASSERT_EQ(log.size(), 4u);
+  EXPECT_EQ(log[0].member, "VERSION");
+  EXPECT_EQ(log[0].kind, CallKind::kPropertyGet);
+  EXPECT_EQ(log[1].member, "NoSuchMember");
+  EXPECT_EQ(log[1].kind, CallKind::kMethod);
+  EXPECT_EQ(log[2].member, "ExecuteEx");
+  ASSERT_EQ(log[2].args.size(), 3u);
+  EXPECT_EQ(log[2].args[0].vt(), 8);  // the text itself, not the reference
+  EXPECT_EQ(log[2].args[0].ToText(), "Echo hi");
+  EXPECT_EQ(log[2].args[1].vt(), 3);
+  EXPECT_EQ(log[2].args[2].ToText(), "untouched");  // as it arrived, before the host wrote it
+  EXPECT_EQ(log[3].member, "Busy");
+  EXPECT_EQ(zebrin_->commands(), std::vector<std::string>{"Echo hi"});
 }
 
-TEST_F(SimTarvikTest, BlockResetWrapsTheUnlockedLimitsAroundTheModel) {
-  tarvik_->LoadModel({-50, -25, 0, 50, 25, 30}, 12);
-  for (const char* c : {"EDIT BLOCKTYPE LIMITS", "EDIT BLOCK LIMITTYPE MODEL",
-                        "EDIT BLOCK ALL UNLOCK", "edit block zmin lock", "EDIT BLOCK RESETLIMIT 5.",
-                        "EDIT BLOCK RESET", "EDIT BLOCK ALL UNLOCK"}) {
-    Ask(c);
+TEST_F(SimHostTest, SessionMembersReadAndWriteTheHostState) {
+  EXPECT_EQ(GetMember(host_, "version").vt(), 3);
+  EXPECT_EQ(GetMember(host_, "version").ToLong(), SimZebrin::kDefaultVersion);
+
+  zebrin_->busy = true;
+  EXPECT_EQ(GetMember(host_, "Busy").vt(), 11);
+  EXPECT_EQ(GetMember(host_, "Busy").ToBool(), VariantBool::kTrue);
+
+  EXPECT_EQ(GetMember(host_, "WindowState").vt(), 2);
+  SetMember(host_, "WindowState", int16_t{4});
+  EXPECT_EQ(zebrin_->window_state, 4);
+  EXPECT_EQ(GetMember(host_, "windowstate").ToInteger(), 4);
+
+  SetMember(host_, "Visible", MakeVariantBool(1));  // kept as it came
+  EXPECT_EQ(zebrin_->visible, MakeVariantBool(1));
+  SetMember(host_, "Visible", VariantBool::kFalse);
+  EXPECT_EQ(GetMember(host_, "Visible").vt(), 11);
+  EXPECT_EQ(GetMember(host_, "Visible").ToBool(), VariantBool::kFalse);
+}
+
+TEST_F(SimHostTest, MisusedMembersRaiseAsAnAutomationObjectDoes) {
+  std::vector<Variant> one{Variant(int32_t{1})};
+  struct Case {
+    const char* what;
+    std::function<void()> call;
+    int32_t error;
+  } cases[] = {
+      {"version put", [&] { SetMember(host_, "version", int32_t{1}); }, err::kNoMember},
+      {"Busy put", [&] { SetMember(host_, "Busy", true); }, err::kNoMember},
+      {"version with an argument", [&] { GetMember(host_, "version", one); }, err::kWrongArgs},
+      {"Exit with an argument", [&] { CallMember(host_, "Exit", one); }, err::kWrongArgs},
+      {"Execute with one argument", [&] { CallMember(host_, "Execute", one); }, err::kWrongArgs},
+      {"ExecuteEx with two", [&] { qorvel::Call(host_, "ExecuteEx", "ECHO a", int32_t{0}); },
+       err::kWrongArgs},
+      {"WindowState put beyond 16 bits", [&] { SetMember(host_, "WindowState", int32_t{70000}); },
+       err::kOverflow},
+      {"Visible put of a word", [&] { SetMember(host_, "Visible", "maybe"); }, err::kTypeMismatch},
+      {"unknown method", [&] { CallMember(host_, "Quit"); }, err::kNoMember},
+  };
+  for (const Case& c : cases) EXPECT_EQ(ErrorOf(c.call), c.error) << c.what;
+  EXPECT_FALSE(zebrin_->gone());
+  EXPECT_EQ(zebrin_->window_state, 1);
+}
+
+TEST_F(SimHostTest, VersionIsAnsweredExactlyAsSet) {
+  const Variant versions[] = {int32_t{0},    int32_t{-5},     int32_t{70000},
+                              int16_t{2522}, Variant("2620"), Variant(2600.5)};
+  for (const Variant& v : versions) {
+    zebrin_->set_version(v);
+    const Variant read = GetMember(host_, "version");
+    EXPECT_EQ(read.vt(), v.vt());
+    EXPECT_EQ(read.ToText(), v.ToText());
   }
-  EXPECT_EQ(Ask("SIZE BLOCK"),
-            "Information: Xmin: -55.000 Xmax: 55.000\r\nYmin: -30.000 Ymax: 30.000\r\n"
-            "Zmin: -5.000 Zmax: 35.000\r\n");
-  Ask("EDIT BLOCK ZMIN LOCK");
-  Ask("EDIT BLOCK RESETLIMIT 1");
-  Ask("EDIT BLOCK RESET");
-  EXPECT_EQ(tarvik_->block().limits[4], -5);
-  EXPECT_EQ(tarvik_->block().limits[5], 31);
 }
 
-TEST_F(SimTarvikTest, SettingsToolsAndEntityLists) {
-  EXPECT_EQ(Ask("print formvalue roughmenubar.view.dialogs.message"), "TRUE\r\n");
-  Ask("dialogs message off");
-  EXPECT_EQ(Ask("print formvalue roughmenubar.view.dialogs.message"), "FALSE\r\n");
-  Ask("EDIT UNITS INCHES");
-  EXPECT_EQ(Ask("PRINT FORMVALUE INFOBAR.UNITS"), "INCHES\r\n");
-  Ask("EDIT TOOLTYPE TAPERTIPPED");
-  Ask("EDIT DIAMETER 6.");
-  Ask("EDIT TOOLNAME \"Big one\"");
-  EXPECT_EQ(tarvik_->tool().at("TOOLTYPE"), "TAPERTIPPED");
-  EXPECT_EQ(tarvik_->tool().at("TOOLNAME"), "Big one");
-  EXPECT_EQ(ErrorOf([&] { Ask("EDIT TOOLTYPE SPOON"); }), 1000);
-  EXPECT_EQ(ErrorOf([&] { Ask("EDIT DIAMETER abc"); }), 1000);
-  EXPECT_EQ(ErrorOf([&] { Ask("FROBNICATE"); }), 1000);
-  tarvik_->AddEntity(EntityKind::kToolpath, "Rough 1", {0, 0, 0, 1, 1, 1});
-  tarvik_->AddEntity(EntityKind::kToolpath, "Finish 2", {0, 0, 0, 1, 1, 1});
-  tarvik_->SetActive(EntityKind::kToolpath, "Finish 2");
-  EXPECT_EQ(Ask("PRINT ENTITY TOOLPATHS"), "2 toolpaths\r\n'Rough 1'\r\n*'Finish 2'\r\n");
-  EXPECT_EQ(Ask("PRINT ENTITY PATTERN"), "0 patterns\r\n");
-  EXPECT_EQ(ErrorOf([&] { Ask("PRINT ENTITY SPOONS"); }), 1000);
+TEST_F(SimHostTest, ExecuteExWritesTheOutputThroughTheReference) {
+  EXPECT_EQ(ExecuteEx(host_, "ECHO Hello There"), "Hello There\r\n");
+  EXPECT_EQ(ExecuteEx(host_, "anything at all"), "");
+  EXPECT_EQ(ExecuteEx(host_, "print version"), "Zebrin 2300\r\n");
+  // An output argument passed by value is no fault; the caller just doesn't see it.
+  EXPECT_NO_THROW(qorvel::Call(host_, "ExecuteEx", "ECHO x", int32_t{0}, ""));
+  EXPECT_EQ(Raised([&] { ExecuteEx(host_, "   "); }),
+            std::make_pair(kCommandRejected, std::string("Empty command")));
+}
+
+TEST_F(SimHostTest, InformationWindowFollowsItsCommandsInAnyCase) {
+  Execute(host_, "ADVANCEDOPTS WINDOWS INFORMATION ON");
+  EXPECT_TRUE(zebrin_->information_window());
+  Execute(host_, "advancedopts windows information off");
+  EXPECT_FALSE(zebrin_->information_window());
+  Execute(host_, "AdvancedOpts Windows Information On");
+  EXPECT_TRUE(zebrin_->information_window());
+}
+
+TEST_F(SimHostTest, ScriptedReplyStandsInForTheCommandOnBothMembers) {
+  zebrin_->ScriptReply("echo one", "scripted\r\n");
+  EXPECT_EQ(ExecuteEx(host_, "ECHO ONE"), "scripted\r\n");
+  EXPECT_EQ(ExecuteEx(host_, "ECHO two"), "two\r\n");
+  zebrin_->ScriptReply("   ", "blank is fine here");
+  EXPECT_NO_THROW(Execute(host_, "   "));
+  zebrin_->ClearFaults();
+  EXPECT_EQ(ExecuteEx(host_, "ECHO ONE"), "ONE\r\n");
+}
+
+TEST_F(SimHostTest, FailingCommandAndFailingMemberRaiseTheirErrors) {
+  zebrin_->FailCommand("ADVANCEDOPTS WINDOWS INFORMATION ON", 1234, "refused");
+  EXPECT_EQ(Raised([&] { Execute(host_, "advancedopts windows information on"); }),
+            std::make_pair(1234, std::string("refused")));
+  EXPECT_FALSE(zebrin_->information_window());
+  EXPECT_EQ(ExecuteEx(host_, "ECHO still here"), "still here\r\n");
+
+  zebrin_->FailMember("EXECUTEEX", 5000, "broken");
+  EXPECT_EQ(Raised([&] { ExecuteEx(host_, "ECHO x"); }),
+            std::make_pair(5000, std::string("broken")));
+  EXPECT_NO_THROW(Execute(host_, "ECHO x"));
+  EXPECT_EQ(GetMember(host_, "version").ToLong(), 2300);
+}
+
+TEST_F(SimHostTest, GoneHostFailsEveryCallWith462AndLeavesTheTable) {
+  zebrin_->GoAway();
+  EXPECT_TRUE(zebrin_->gone());
+  const std::function<void()> calls[] = {
+      [&] { GetMember(host_, "version"); },     [&] { GetMember(host_, "Busy"); },
+      [&] { GetMember(host_, "WindowState"); }, [&] { SetMember(host_, "Visible", true); },
+      [&] { CallMember(host_, "Exit"); },       [&] { Execute(host_, "ECHO x"); },
+      [&] { ExecuteEx(host_, "ECHO x"); },      [&] { CallMember(host_, "NoSuchMember"); },
+  };
+  for (const auto& call : calls) {
+    EXPECT_EQ(Raised(call), std::make_pair(err::kServerGone, DescriptionOf(err::kServerGone)));
+  }
+  EXPECT_EQ(zebrin_->log().size(), std::size(calls));  // still logged
+  EXPECT_EQ(ErrorOf([&] { Bind(); }), err::kCantCreate);
+}
+
+TEST_F(SimHostTest, ExitEndsTheHostUnlessItLingers) {
+  CallMember(host_, "Exit");
+  EXPECT_TRUE(zebrin_->exited);
+  EXPECT_EQ(ErrorOf([&] { GetMember(host_, "version"); }), err::kServerGone);
+  EXPECT_EQ(ErrorOf([&] { Bind(); }), err::kCantCreate);
+
+  auto slow = RunZebrin();
+  slow->linger_on_exit = true;
+  CallMember(slow, "exit");
+  EXPECT_EQ(GetMember(slow, "version").ToLong(), 2300);  // still closing
+  EXPECT_EQ(ErrorOf([&] { Bind(); }), err::kCantCreate);
+  slow->GoAway();
+  EXPECT_EQ(ErrorOf([&] { GetMember(slow, "version"); }), err::kServerGone);
+}
+
+TEST_F(SimHostTest, AnOlderHostGoingAwayLeavesTheNewerOneRegistered) {
+  auto newer = RunZebrin();
+  zebrin_->GoAway();
+  EXPECT_EQ(Bind(), newer);
+  CallMember(newer, "Exit");
+  EXPECT_EQ(ErrorOf([&] { Bind(); }), err::kCantCreate);
+}
+
+TEST_F(SimHostTest, ShapeTellsPropertiesFromMethods) {
+  EXPECT_EQ(zebrin_->Shape("version"), MemberShape::kProperty);
+  EXPECT_EQ(zebrin_->Shape("VISIBLE"), MemberShape::kProperty);
+  EXPECT_EQ(zebrin_->Shape("ExecuteEx"), MemberShape::kMethod);
+  EXPECT_EQ(zebrin_->Shape("Exit"), MemberShape::kMethod);
+  EXPECT_EQ(zebrin_->Shape("Evaluate"), MemberShape::kMissing);
 }
 
 }  // namespace

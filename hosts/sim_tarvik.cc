@@ -1,6 +1,7 @@
 #include "hosts/sim_tarvik.h"
 
-#include <sstream>
+#include <cmath>
+#include <optional>
 
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
@@ -12,39 +13,81 @@ constexpr const char* kLimitWords[6] = {"XMIN", "XMAX", "YMIN", "YMAX", "ZMIN", 
 constexpr const char* kToolTypes[] = {"ENDMILL",         "BALLNOSED",   "TIPRADIUSED",
                                       "TAPERSPHERICAL",  "TAPERTIPPED", "TIPPEDDISC",
                                       "OFFCENTRETIPRAD", "DRILL"};
-constexpr const char* kEntityTitles[3] = {"toolpaths", "patterns", "workplanes"};
+constexpr const char* kToolNumbers[] = {"DIAMETER",    "TLEN",       "TIPRADIUS",  "TAPERANGLE",
+                                        "TAPERHEIGHT", "TIPRADIUSX", "TIPRADIUSY", "TOOLNUMBER"};
 
-[[noreturn]] void Reject(const std::string& what) { throw Error(1000, "Tarvik: " + what); }
+// The words of each entity kind: the singular and plural command words, the heading of a list
+// and the name in messages.
+struct KindWords {
+  const char* singular;
+  const char* plural;
+  const char* heading;
+  const char* title;
+};
+constexpr KindWords kKinds[3] = {{"TOOLPATH", "TOOLPATHS", "toolpaths", "Toolpath"},
+                                 {"PATTERN", "PATTERNS", "patterns", "Pattern"},
+                                 {"WORKPLANE", "WORKPLANES", "workplanes", "Workplane"}};
 
-std::vector<std::string> Words(const std::string& text) {
-  std::istringstream in(text);
+[[noreturn]] void Reject(const std::string& why) { throw Error(kCommandRejected, why); }
+
+[[noreturn]] void Unknown(const std::string& command) { Reject("Unknown command: " + command); }
+
+std::vector<std::string> Split(const std::string& text) {
   std::vector<std::string> words;
-  for (std::string w; in >> w;) words.push_back(w);
+  size_t pos = 0;
+  while ((pos = text.find_first_not_of(" \t", pos)) != std::string::npos) {
+    size_t end = text.find_first_of(" \t", pos);
+    if (end == std::string::npos) end = text.size();
+    words.push_back(text.substr(pos, end - pos));
+    pos = end;
+  }
   return words;
 }
 
-double Number(const std::string& text) {
-  std::optional<double> value = ParseNumber(text);
-  if (!value) Reject("Invalid number: " + text);
-  return *value;
-}
-
-std::string Num(double value) { return FormatPattern(value, "0.000"); }
-
-// The text after the first `skip` words of a command, without quotes around it.
+// The text after the first `skip` words of a command, trimmed, without quotes around it.
 std::string Rest(const std::string& command, size_t skip) {
-  std::istringstream in(command);
-  for (std::string w; skip > 0 && in >> w; --skip) {
+  size_t pos = 0;
+  for (; skip > 0; --skip) {
+    pos = command.find_first_not_of(" \t", pos);
+    if (pos == std::string::npos) return "";
+    pos = command.find_first_of(" \t", pos);
+    if (pos == std::string::npos) return "";
   }
-  std::string rest;
-  std::getline(in, rest);
-  size_t first = rest.find_first_not_of(' ');
-  rest = first == std::string::npos ? "" : rest.substr(first);
-  while (!rest.empty() && rest.back() == ' ') rest.pop_back();
+  const size_t first = command.find_first_not_of(" \t", pos);
+  if (first == std::string::npos) return "";
+  std::string rest = command.substr(first, command.find_last_not_of(" \t") + 1 - first);
   if (rest.size() >= 2 && rest.front() == '"' && rest.back() == '"') {
     rest = rest.substr(1, rest.size() - 2);
   }
   return rest;
+}
+
+double Number(const std::string& text) {
+  std::optional<double> value = ParseNumber(text);
+  if (!value || !std::isfinite(*value)) Reject("Invalid number: " + text);
+  return *value;
+}
+
+// A number as the host prints it, by the regional settings; no "-0.000" for a zero.
+std::string Num(double value) { return FormatPattern(value == 0 ? 0.0 : value, "0.000"); }
+
+std::string BoxText(const std::vector<double>& n) {
+  return "Minimum: X " + Num(n[0]) + " Y " + Num(n[1]) + " Z " + Num(n[2]) + "\r\nMaximum: X " +
+         Num(n[3]) + " Y " + Num(n[4]) + " Z " + Num(n[5]) + "\r\n";
+}
+
+std::string FrameText(const std::vector<double>& n) {
+  std::string out;
+  for (int row = 0; row < 4; ++row) {
+    out += std::string(row == 0 ? "Position:" : "Vector:") + " X " + Num(n[row * 3]) + " Y " +
+           Num(n[row * 3 + 1]) + " Z " + Num(n[row * 3 + 2]) + "\r\n";
+  }
+  return out;
+}
+
+std::string BlockText(const std::array<double, 6>& l) {
+  return "Information: Xmin: " + Num(l[0]) + " Xmax: " + Num(l[1]) + "\r\nYmin: " + Num(l[2]) +
+         " Ymax: " + Num(l[3]) + "\r\nZmin: " + Num(l[4]) + " Zmax: " + Num(l[5]) + "\r\n";
 }
 
 int LimitIndex(const std::string& word) {
@@ -54,213 +97,200 @@ int LimitIndex(const std::string& word) {
   return -1;
 }
 
+std::optional<EntityKind> KindOf(const std::string& word, bool plural_too) {
+  for (int i = 0; i < 3; ++i) {
+    if (word == kKinds[i].singular || (plural_too && word == kKinds[i].plural)) {
+      return EntityKind(i);
+    }
+  }
+  return std::nullopt;
+}
+
+template <class T>
+bool OneOf(const std::string& word, const T& list) {
+  for (const char* item : list) {
+    if (word == item) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 SimTarvik::SimTarvik() : SimHost("Tarvik.Document") { set_version(kDefaultVersion); }
 
-void SimTarvik::LoadModel(const Box& extents, int32_t components) {
-  std::lock_guard lock(mu_);
-  model_ = extents;
-  components_ = components;
-}
-
-void SimTarvik::ClearModel() {
-  std::lock_guard lock(mu_);
-  model_.reset();
-  components_ = 0;
-}
-
-void SimTarvik::AddEntity(EntityKind kind, const std::string& name, std::vector<double> numbers) {
-  std::lock_guard lock(mu_);
-  entities_[int(kind)].push_back({name, std::move(numbers)});
-}
-
-void SimTarvik::SetActive(EntityKind kind, const std::string& name) {
-  std::lock_guard lock(mu_);
-  if (name.empty()) {
-    active_[int(kind)] = -1;
-    return;
-  }
-  const Entity& e = FindEntity(kind, name);
-  active_[int(kind)] = int(&e - entities_[int(kind)].data());
-}
-
-SimTarvik::Block SimTarvik::block() const {
-  std::lock_guard lock(mu_);
-  return block_;
-}
-std::map<std::string, std::string> SimTarvik::tool() const {
-  std::lock_guard lock(mu_);
-  return tool_;
-}
-std::string SimTarvik::units() const {
-  std::lock_guard lock(mu_);
-  return units_;
-}
-bool SimTarvik::message_dialogs() const {
-  std::lock_guard lock(mu_);
-  return message_dialogs_;
-}
-bool SimTarvik::error_dialogs() const {
-  std::lock_guard lock(mu_);
-  return error_dialogs_;
-}
-
+// What the host would show in a dialog: information while message dialogs are on, the reason
+// for a rejected command while error dialogs are on.
 std::string SimTarvik::RunCommand(const std::string& command) {
-  const std::vector<std::string> words = Words(Upper(command));
+  try {
+    const Words words = Split(Upper(command));
+    std::string reply = Run(command, words);
+    if (message_dialogs_ && words[0] == "SIZE") ++message_dialogs_shown_;
+    return reply;
+  } catch (const Error&) {
+    if (error_dialogs_) ++error_dialogs_shown_;
+    throw;
+  }
+}
+
+std::string SimTarvik::Run(const std::string& command, const Words& words) {
   if (words.empty()) Reject("Empty command");
   const std::string& verb = words[0];
   if (verb == "NLTDEBUG") return "";
   if (verb == "DIALOGS") return Dialogs(words);
   if (verb == "SIZE") return Size(words, command);
   if (verb == "EDIT") return Edit(words, command);
-  if (verb == "PRINT" && words.size() == 3 && words[1] == "FORMVALUE") {
-    if (words[2] == "ROUGHMENUBAR.VIEW.DIALOGS.MESSAGE") {
-      return message_dialogs_ ? "TRUE\r\n" : "FALSE\r\n";
-    }
-    if (words[2] == "INFOBAR.UNITS") return units_ + "\r\n";
-    Reject("Unknown form value: " + words[2]);
-  }
-  if (verb == "PRINT" && words.size() == 3 && words[1] == "ENTITY") return PrintEntity(words);
-  Reject("Unrecognised command: " + command);
+  if (verb == "ACTIVATE") return Activate(words, command);
+  if (verb == "PRINT" && words.size() >= 2 && words[1] == "FORMVALUE") return PrintFormValue(words);
+  if (verb == "PRINT" && words.size() >= 2 && words[1] == "ENTITY") return PrintEntity(words);
+  Unknown(command);
 }
 
-std::string SimTarvik::Dialogs(const std::vector<std::string>& words) {
-  if (words.size() != 3 || (words[2] != "ON" && words[2] != "OFF")) Reject("Bad DIALOGS command");
+std::string SimTarvik::Dialogs(const Words& words) {
+  if (words.size() != 3 || (words[2] != "ON" && words[2] != "OFF")) {
+    Reject("DIALOGS takes MESSAGE or ERROR, then ON or OFF");
+  }
   const bool on = words[2] == "ON";
   if (words[1] == "MESSAGE") {
     message_dialogs_ = on;
   } else if (words[1] == "ERROR") {
     error_dialogs_ = on;
   } else {
-    Reject("Bad DIALOGS command");
+    Reject("DIALOGS takes MESSAGE or ERROR, then ON or OFF");
   }
   return "";
 }
 
-std::string SimTarvik::Size(const std::vector<std::string>& words, const std::string& command) {
-  if (words.size() < 2) Reject("SIZE needs an object");
-  const std::string& what = words[1];
-  if (what == "COMPONENTS") return "Components: " + std::to_string(components_) + "\r\n";
-  if (what == "BLOCK") {
-    if (!block_.defined) return "";
-    const auto& l = block_.limits;
-    return "Information: Xmin: " + Num(l[0]) + " Xmax: " + Num(l[1]) + "\r\nYmin: " + Num(l[2]) +
-           " Ymax: " + Num(l[3]) + "\r\nZmin: " + Num(l[4]) + " Zmax: " + Num(l[5]) + "\r\n";
-  }
-  auto box = [](const std::vector<double>& n) {
-    return "Minimum: X " + Num(n[0]) + " Y " + Num(n[1]) + " Z " + Num(n[2]) + "\r\nMaximum: X " +
-           Num(n[3]) + " Y " + Num(n[4]) + " Z " + Num(n[5]) + "\r\n";
-  };
-  if (what == "MODEL") {
-    if (!model_) Reject("No model loaded");
-    return box({model_->begin(), model_->end()}) + "Components: " + std::to_string(components_) +
-           "\r\n";
-  }
-  const std::string name = Rest(command, 2);
-  if (what == "TOOLPATH") return box(FindEntity(EntityKind::kToolpath, name).numbers);
-  if (what == "PATTERN") return box(FindEntity(EntityKind::kPattern, name).numbers);
-  if (what == "WORKPLANE") {
-    const std::vector<double>& n = FindEntity(EntityKind::kWorkplane, name).numbers;
-    std::string out;
-    const char* heads[4] = {"Position:", "Vector:", "Vector:", "Vector:"};
-    for (int row = 0; row < 4; ++row) {
-      out += std::string(heads[row]) + " X " + Num(n[row * 3]) + " Y " + Num(n[row * 3 + 1]) +
-             " Z " + Num(n[row * 3 + 2]) + "\r\n";
-    }
-    return out;
-  }
-  Reject("Cannot size " + what);
+std::string SimTarvik::PrintFormValue(const Words& words) {
+  if (words.size() != 3) Reject("PRINT FORMVALUE takes one form value");
+  const std::string& field = words[2];
+  auto truth = [](bool on) { return on ? "TRUE\r\n" : "FALSE\r\n"; };
+  if (field == "ROUGHMENUBAR.VIEW.DIALOGS.MESSAGE") return truth(message_dialogs_);
+  if (field == "ROUGHMENUBAR.VIEW.DIALOGS.ERROR") return truth(error_dialogs_);
+  if (field == "INFOBAR.UNITS") return units_ + "\r\n";
+  Reject("Unknown form value: " + field);
 }
 
-std::string SimTarvik::Edit(const std::vector<std::string>& words, const std::string& command) {
-  if (words.size() < 3) Reject("Incomplete EDIT command");
+std::string SimTarvik::Size(const Words& words, const std::string& command) {
+  if (words.size() < 2) Unknown(command);
   const std::string& what = words[1];
-  if (what == "BLOCKTYPE") {
-    block_.type = words[2];
-    return "";
+  if (what == "COMPONENTS" || what == "BLOCK" || what == "MODEL") {
+    if (words.size() != 2) Unknown(command);
+    if (what == "COMPONENTS") return "Components: " + std::to_string(components_) + "\r\n";
+    if (what == "BLOCK") return block_.defined ? BlockText(block_.limits) : "";
+    if (!model_) Reject("No model loaded");
+    return BoxText({model_->begin(), model_->end()}) +
+           "Components: " + std::to_string(components_) + "\r\n";
   }
-  if (what == "BLOCK") return EditBlock(words);
-  if (what == "UNITS") {
-    if (words[2] != "MM" && words[2] != "INCHES") Reject("Unknown units: " + words[2]);
-    units_ = words[2];
-    return "";
-  }
-  if (what == "TOOLTYPE") {
-    for (const char* type : kToolTypes) {
-      if (words[2] == type) {
-        tool_["TOOLTYPE"] = type;
-        return "";
-      }
-    }
-    Reject("Unknown tool type: " + words[2]);
-  }
+  std::optional<EntityKind> kind = KindOf(what, false);
+  if (!kind) Unknown(command);
+  const Entity& entity = Named(*kind, Rest(command, 2));
+  return *kind == EntityKind::kWorkplane ? FrameText(entity.numbers) : BoxText(entity.numbers);
+}
+
+std::string SimTarvik::Edit(const Words& words, const std::string& command) {
+  if (words.size() < 3) Unknown(command);
+  const std::string& what = words[1];
+  if (what == "BLOCK") return EditBlock(words, command);
   if (what == "TOOLNAME") {
     tool_["TOOLNAME"] = Rest(command, 2);
     return "";
   }
-  static const char* kToolNumbers[] = {"DIAMETER",    "TLEN",       "TIPRADIUS",  "TAPERANGLE",
-                                       "TAPERHEIGHT", "TIPRADIUSX", "TIPRADIUSY", "TOOLNUMBER"};
-  for (const char* field : kToolNumbers) {
-    if (what == field && words.size() == 3) {
-      Number(words[2]);
-      tool_[field] = words[2];
-      return "";
+  if (words.size() != 3) Unknown(command);
+  const std::string& value = words[2];
+  if (what == "BLOCKTYPE") {
+    block_.type = value;
+  } else if (what == "UNITS") {
+    if (value != "MM" && value != "INCHES") Reject("Unknown units: " + value);
+    units_ = value;
+  } else if (what == "TOOLTYPE") {
+    if (!OneOf(value, kToolTypes)) Reject("Unknown tool type: " + value);
+    tool_["TOOLTYPE"] = value;
+  } else if (OneOf(what, kToolNumbers)) {
+    const double number = Number(value);
+    if (what == "TOOLNUMBER" && (number < 0 || number != std::floor(number))) {
+      Reject("Invalid tool number: " + value);
     }
-  }
-  Reject("Unrecognised command: " + command);
-}
-
-std::string SimTarvik::EditBlock(const std::vector<std::string>& words) {
-  const std::string& what = words[2];
-  const std::string arg = words.size() > 3 ? words[3] : "";
-  if (what == "LIMITTYPE" && !arg.empty()) {
-    block_.limit_type = arg;
-  } else if (what == "ALL" && (arg == "LOCK" || arg == "UNLOCK")) {
-    block_.locked.fill(arg == "LOCK");
-  } else if (what == "RESETLIMIT" && !arg.empty()) {
-    block_.reset_offset = Number(arg);
-  } else if (what == "RESET" && arg.empty()) {
-    if (!model_) Reject("No model to reset the block to");
-    const Box& m = *model_;
-    const double o = block_.reset_offset;
-    const double around[6] = {m[0] - o, m[3] + o, m[1] - o, m[4] + o, m[2] - o, m[5] + o};
-    for (int i = 0; i < 6; ++i) {
-      if (!block_.locked[i] || !block_.defined) block_.limits[i] = around[i];
-    }
-    block_.defined = true;
-  } else if (int i = LimitIndex(what); i >= 0 && !arg.empty()) {
-    if (arg == "LOCK" || arg == "UNLOCK") {
-      block_.locked[i] = arg == "LOCK";
-    } else {
-      block_.limits[i] = Number(arg);
-      block_.defined = true;
-    }
+    tool_[what] = value;
   } else {
-    Reject("Bad EDIT BLOCK command");
+    Unknown(command);
   }
   return "";
 }
 
-std::string SimTarvik::PrintEntity(const std::vector<std::string>& words) {
-  int kind = -1;
-  if (words[2] == "TOOLPATHS") kind = 0;
-  if (words[2] == "PATTERN") kind = 1;
-  if (words[2] == "WORKPLANE") kind = 2;
-  if (kind < 0) Reject("Unknown entity type: " + words[2]);
-  const std::vector<Entity>& list = entities_[kind];
-  std::string out = std::to_string(list.size()) + " " + kEntityTitles[kind] + "\r\n";
+std::string SimTarvik::EditBlock(const Words& words, const std::string& command) {
+  const std::string& what = words[2];
+  if (words.size() == 3 && what == "RESET") {
+    ResetBlock();
+    return "";
+  }
+  if (words.size() != 4) Unknown(command);
+  const std::string& arg = words[3];
+  const bool lock_word = arg == "LOCK" || arg == "UNLOCK";
+  if (what == "LIMITTYPE") {
+    block_.limit_type = arg;
+  } else if (what == "ALL" && lock_word) {
+    block_.locked.fill(arg == "LOCK");
+  } else if (what == "RESETLIMIT") {
+    block_.reset_offset = Number(arg);
+  } else if (int i = LimitIndex(what); i >= 0 && lock_word) {
+    block_.locked[i] = arg == "LOCK";
+  } else if (i >= 0) {
+    const double value = Number(arg);
+    if (block_.locked[i]) Reject(std::string("Limit is locked: ") + kLimitWords[i]);
+    block_.limits[i] = value;
+    block_.defined = true;
+  } else {
+    Unknown(command);
+  }
+  return "";
+}
+
+// The unlocked limits go around the model at the reset offset; a block made by the reset
+// takes all six.
+void SimTarvik::ResetBlock() {
+  if (!model_) Reject("No model loaded");
+  const Box& m = *model_;
+  const double o = block_.reset_offset;
+  const double around[6] = {m[0] - o, m[3] + o, m[1] - o, m[4] + o, m[2] - o, m[5] + o};
+  for (int i = 0; i < 6; ++i) {
+    if (!block_.defined || !block_.locked[i]) block_.limits[i] = around[i];
+  }
+  block_.defined = true;
+}
+
+std::string SimTarvik::PrintEntity(const Words& words) {
+  if (words.size() != 3) Reject("PRINT ENTITY takes one entity type");
+  std::optional<EntityKind> kind = KindOf(words[2], true);
+  if (!kind) Reject("Unknown entity type: " + words[2]);
+  const int k = int(*kind);
+  const std::vector<Entity>& list = entities_[k];
+  std::string out = std::to_string(list.size()) + " " + kKinds[k].heading + "\r\n";
   for (size_t i = 0; i < list.size(); ++i) {
-    out += (int(i) == active_[kind] ? "*'" : "'") + list[i].name + "'\r\n";
+    out += (int(i) == active_[k] ? "*'" : "'") + list[i].name + "'\r\n";
   }
   return out;
 }
 
-const SimTarvik::Entity& SimTarvik::FindEntity(EntityKind kind, const std::string& name) const {
+std::string SimTarvik::Activate(const Words& words, const std::string& command) {
+  std::optional<EntityKind> kind = words.size() >= 3 ? KindOf(words[1], false) : std::nullopt;
+  if (!kind) Unknown(command);
+  const Entity& entity = Named(*kind, Rest(command, 2));
+  active_[int(*kind)] = int(&entity - entities_[int(*kind)].data());
+  return "";
+}
+
+const SimTarvik::Entity* SimTarvik::Find(EntityKind kind, const std::string& name) const {
+  const std::string wanted = Upper(name);
   for (const Entity& e : entities_[int(kind)]) {
-    if (Upper(e.name) == Upper(name)) return e;
+    if (Upper(e.name) == wanted) return &e;
   }
-  Reject("Entity not found: " + name);
+  return nullptr;
+}
+
+const SimTarvik::Entity& SimTarvik::Named(EntityKind kind, const std::string& name) const {
+  const Entity* entity = Find(kind, name);
+  if (!entity) Reject(std::string(kKinds[int(kind)].title) + " not found: " + name);
+  return *entity;
 }
 
 }  // namespace qorvel::hosts

@@ -11,20 +11,24 @@ bool SimZebrin::information_window() const {
   return information_window_;
 }
 
+void SimZebrin::set_information_window(bool on) {
+  std::lock_guard lock(mu_);
+  information_window_ = on;
+}
+
 std::string SimZebrin::RunCommand(const std::string& command) {
   const std::string upper = Upper(command);
+  if (upper.find_first_not_of(' ') == std::string::npos) {
+    throw Error(kCommandRejected, "Empty command");
+  }
   if (upper == "ADVANCEDOPTS WINDOWS INFORMATION ON") {
     information_window_ = true;
-    return "";
-  }
-  if (upper == "ADVANCEDOPTS WINDOWS INFORMATION OFF") {
+  } else if (upper == "ADVANCEDOPTS WINDOWS INFORMATION OFF") {
     information_window_ = false;
-    return "";
-  }
-  if (upper.rfind("ECHO ", 0) == 0) return command.substr(5) + "\r\n";
-  if (upper == "PRINT VERSION") return "Zebrin " + std::to_string(kDefaultVersion) + "\r\n";
-  if (upper.find_first_not_of(' ') == std::string::npos) {
-    throw Error(1001, "Zebrin: empty command");
+  } else if (upper.starts_with("ECHO ")) {
+    return command.substr(5) + "\r\n";
+  } else if (upper == "PRINT VERSION") {
+    return "Zebrin " + version().ToText() + "\r\n";
   }
   return "";
 }

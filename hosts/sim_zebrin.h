@@ -7,14 +7,15 @@
 
 namespace qorvel::hosts {
 
-// The simulated Zebrin: a bare command target. It takes any command, keeps the setting of its
-// information window, and answers a few commands with output.
+// The simulated Zebrin: a bare command target. It takes any command that isn't blank, keeps the
+// setting of its information window, and answers "ECHO <text>" and "PRINT VERSION" with output.
 class SimZebrin : public SimHost {
  public:
   static constexpr int32_t kDefaultVersion = 2300;
   SimZebrin();
 
   bool information_window() const;
+  void set_information_window(bool on);
 
  protected:
   std::string RunCommand(const std::string& command) override;

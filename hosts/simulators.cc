@@ -1,10 +1,11 @@
 #include "hosts/simulators.h"
 
-#include <mutex>
+#include "hosts/host_table.h"
 
 namespace qorvel::hosts {
 namespace {
 
+// Kept equal to simulated_hosts.reg, so the installation works wherever the program runs.
 constexpr std::string_view kDefaultReg = R"(REGEDIT4
 
 ; Installs the simulated hosts where the controls look for the real programs.
@@ -22,61 +23,73 @@ constexpr std::string_view kDefaultReg = R"(REGEDIT4
 "ExecutablePath"="C:\\Program Files\\Halvern\\Tarvik\\2620\\tarvik.exe"
 )";
 
-std::mutex started_mu;
-std::vector<std::shared_ptr<SimHost>> started;
-
 template <class Sim>
-std::shared_ptr<Sim> Track(std::shared_ptr<Sim> sim) {
-  std::lock_guard lock(started_mu);
-  started.push_back(sim);
+std::shared_ptr<Sim> New(Env& env) {
+  auto sim = std::make_shared<Sim>();
+  HostTable::Of(env)->AddStarted(sim);
   return sim;
 }
 
 template <class Sim>
-std::shared_ptr<Sim> Run(std::chrono::milliseconds start_delay) {
-  auto sim = Track(std::make_shared<Sim>());
-  sim->RegisterRunning(Env::Current(), start_delay);
+std::shared_ptr<Sim> Run(Env& env, std::chrono::milliseconds start_delay) {
+  auto sim = New<Sim>(env);
+  sim->RegisterRunning(env, start_delay);
   return sim;
+}
+
+// A program started by the launcher takes the delay in force when it starts.
+template <class Sim>
+void Launch(Env& env) {
+  Run<Sim>(env, HostTable::Of(env)->start_delay());
 }
 
 }  // namespace
 
 std::shared_ptr<SimZebrin> RunZebrin(std::chrono::milliseconds start_delay) {
-  return Run<SimZebrin>(start_delay);
+  return Run<SimZebrin>(Env::Current(), start_delay);
 }
 
 std::shared_ptr<SimTarvik> RunTarvik(std::chrono::milliseconds start_delay) {
-  return Run<SimTarvik>(start_delay);
+  return Run<SimTarvik>(Env::Current(), start_delay);
 }
 
+// The launcher and the class servers belong to `env`, so they may keep a reference to it.
 void InstallSimulatedHosts(std::chrono::milliseconds start_delay) {
-  {
-    std::lock_guard lock(started_mu);
-    started.clear();
-  }
   Env& env = Env::Current();
+  HostTable::Of(env)->set_start_delay(start_delay);
   env.registry().LoadRegText(kDefaultReg, "simulated_hosts.reg");
-  env.launcher().RegisterSimulated(kZebrinProgram, [start_delay] { RunZebrin(start_delay); });
-  env.launcher().RegisterSimulated(kTarvikProgram, [start_delay] { RunTarvik(start_delay); });
+  env.launcher().RegisterSimulated(kZebrinProgram, [&env] { Launch<SimZebrin>(env); });
+  env.launcher().RegisterSimulated(kTarvikProgram, [&env] { Launch<SimTarvik>(env); });
   env.running_objects().RegisterClassServer("Zebrin.Document",
-                                            [] { return Track(std::make_shared<SimZebrin>()); });
+                                            [&env] { return New<SimZebrin>(env); });
   env.running_objects().RegisterClassServer("Tarvik.Document",
-                                            [] { return Track(std::make_shared<SimTarvik>()); });
+                                            [&env] { return New<SimTarvik>(env); });
+}
+
+void SetStartDelay(std::chrono::milliseconds start_delay) {
+  HostTable::Of(Env::Current())->set_start_delay(start_delay);
 }
 
 std::string_view DefaultRegText() { return kDefaultReg; }
 
 std::vector<std::shared_ptr<SimHost>> StartedHosts() {
-  std::lock_guard lock(started_mu);
-  return started;
+  return HostTable::Of(Env::Current())->started();
 }
 
 std::shared_ptr<SimHost> LastStarted(std::string_view class_name) {
-  std::lock_guard lock(started_mu);
+  const std::vector<std::shared_ptr<SimHost>> started = StartedHosts();
   for (auto it = started.rbegin(); it != started.rend(); ++it) {
-    if ((*it)->class_name() == class_name) return *it;
+    if (Upper((*it)->class_name()) == Upper(class_name)) return *it;
   }
   return nullptr;
+}
+
+std::shared_ptr<SimZebrin> LastZebrin() {
+  return std::dynamic_pointer_cast<SimZebrin>(LastStarted("Zebrin.Document"));
+}
+
+std::shared_ptr<SimTarvik> LastTarvik() {
+  return std::dynamic_pointer_cast<SimTarvik>(LastStarted("Tarvik.Document"));
 }
 
 }  // namespace qorvel::hosts

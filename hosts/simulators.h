@@ -18,18 +18,23 @@ std::shared_ptr<SimZebrin> RunZebrin(std::chrono::milliseconds start_delay = {})
 std::shared_ptr<SimTarvik> RunTarvik(std::chrono::milliseconds start_delay = {});
 
 // Installs the simulated programs in the current environment as the real ones would be: the
-// registry entries of simulated_hosts.reg, launcher paths that start a simulator (registered as
-// running after `start_delay`), and class servers that create new instances.
+// registry entries of simulated_hosts.reg, launcher paths (kZebrinProgram, kTarvikProgram)
+// that start a simulator registered as running after `start_delay`, and class servers that
+// create new instances, not registered as running.
 void InstallSimulatedHosts(std::chrono::milliseconds start_delay = {});
+// The start-up delay of the programs that the launcher starts from now on.
+void SetStartDelay(std::chrono::milliseconds start_delay);
 
 // The text of simulated_hosts.reg, built into the program.
 std::string_view DefaultRegText();
 
-// The simulators started so far through RunZebrin/RunTarvik, the launcher or a class server,
-// oldest first; InstallSimulatedHosts starts a new list.
+// The simulators of the current environment started so far through RunZebrin, RunTarvik, the
+// launcher or a class server, oldest first.
 std::vector<std::shared_ptr<SimHost>> StartedHosts();
-// The newest started simulator of a class, or nullptr.
+// The newest started simulator of a class (named in any case), or nullptr.
 std::shared_ptr<SimHost> LastStarted(std::string_view class_name);
+std::shared_ptr<SimZebrin> LastZebrin();
+std::shared_ptr<SimTarvik> LastTarvik();
 
 }  // namespace qorvel::hosts
 

@@ -1,0 +1,306 @@
+#include "hosts/sim_tarvik.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "hosts/simulators.h"
+#include "qorvel/platform/error.h"
+#include "qorvel/platform/numbers.h"
+
+namespace qorvel::hosts {
+namespace {
+
+class SimTarvikTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    tarvik_ = RunTarvik();
+    host_ = tarvik_;
+  }
+
+  // The host's output for a command, as HostExecuteEx receives it.
+  std::string Ask(std::string command) {
+    int32_t status = 0;
+    std::string output;
+    std::vector<Variant> args{Variant::Ref(command), Variant::Ref(status), Variant::Ref(output)};
+    CallMember(host_, "ExecuteEx", args);
+    return output;
+  }
+  void Send(std::string command) {
+    int32_t status = 0;
+    std::vector<Variant> args{Variant::Ref(command), Variant::Ref(status)};
+    CallMember(host_, "Execute", args);
+  }
+  // The description of the error a command raises; "" when the host takes it.
+  std::string Rejection(const std::string& command) {
+    try {
+      Ask(command);
+    } catch (const Error& e) {
+      EXPECT_EQ(e.number(), kCommandRejected) << command;
+      return e.description();
+    }
+    return "";
+  }
+  void LoadModel() { tarvik_->LoadModel({-50, -25, 0, 50, 25, 30}, 12); }
+
+  ScopedEnv env_;
+  std::shared_ptr<SimTarvik> tarvik_;
+  AutomationObject host_;
+};
+
+TEST_F(SimTarvikTest, SizeRepliesHaveTheShapesTheControlReads) {
+  EXPECT_EQ(Ask("SIZE COMPONENTS"), "Components: 0\r\n");
+  EXPECT_EQ(Ask("SIZE BLOCK"), "");
+  EXPECT_EQ(Rejection("SIZE MODEL"), "No model loaded");
+  LoadModel();
+  tarvik_->AddToolpath("Rough 1", {-40, -20, 1, 40, 20, 29});
+  tarvik_->AddPattern("Holes", {0, 0, 5, 80, 40, 5});
+  tarvik_->AddWorkplane("Top", {10, 20, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
+  const std::pair<const char*, const char*> cases[] = {
+      {"SIZE COMPONENTS", "Components: 12\r\n"},
+      {"size model",
+       "Minimum: X -50.000 Y -25.000 Z 0.000\r\nMaximum: X 50.000 Y 25.000 Z 30.000\r\n"
+       "Components: 12\r\n"},
+      {"SIZE TOOLPATH \"Rough 1\"",
+       "Minimum: X -40.000 Y -20.000 Z 1.000\r\nMaximum: X 40.000 Y 20.000 Z 29.000\r\n"},
+      {"SIZE TOOLPATH rough 1",
+       "Minimum: X -40.000 Y -20.000 Z 1.000\r\nMaximum: X 40.000 Y 20.000 Z 29.000\r\n"},
+      {"SIZE PATTERN \"Holes\"",
+       "Minimum: X 0.000 Y 0.000 Z 5.000\r\nMaximum: X 80.000 Y 40.000 Z 5.000\r\n"},
+      {"SIZE WORKPLANE \"Top\"",
+       "Position: X 10.000 Y 20.000 Z 0.000\r\nVector: X 1.000 Y 0.000 Z 0.000\r\n"
+       "Vector: X 0.000 Y 1.000 Z 0.000\r\nVector: X 0.000 Y 0.000 Z 1.000\r\n"},
+  };
+  for (const auto& [command, reply] : cases) EXPECT_EQ(Ask(command), reply) << command;
+}
+
+TEST_F(SimTarvikTest, SizeOfWhatIsNotThereIsRejected) {
+  tarvik_->AddToolpath("Rough 1", {0, 0, 0, 1, 1, 1});
+  const std::pair<const char*, const char*> cases[] = {
+      {"SIZE TOOLPATH \"Nope\"", "Toolpath not found: Nope"},
+      {"SIZE TOOLPATH \"\"Rough 1\"\"", "Toolpath not found: \"Rough 1\""},
+      {"SIZE TOOLPATH ;", "Toolpath not found: ;"},
+      {"SIZE PATTERN \"\"", "Pattern not found: "},
+      {"SIZE WORKPLANE \"Rough 1\"", "Workplane not found: Rough 1"},
+      {"SIZE TOOLPATHS \"Rough 1\"", "Unknown command: SIZE TOOLPATHS \"Rough 1\""},
+      {"SIZE", "Unknown command: SIZE"},
+      {"SIZE BLOCK NOW", "Unknown command: SIZE BLOCK NOW"},
+  };
+  for (const auto& [command, why] : cases) EXPECT_EQ(Rejection(command), why) << command;
+}
+
+TEST_F(SimTarvikTest, NumbersFollowTheRegionalSettings) {
+  SetDecimalSymbol(Env::Current().registry(), ",");
+  Env::Current().registry().SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", ".");
+  tarvik_->LoadModel({-1.5, 0, 0, 2.25, 1, 1}, 1);
+  Send("EDIT BLOCK RESETLIMIT 0,5");
+  Send("EDIT BLOCK RESET");
+  EXPECT_EQ(Ask("SIZE BLOCK"),
+            "Information: Xmin: -2,000 Xmax: 2,750\r\nYmin: -0,500 Ymax: 1,500\r\n"
+            "Zmin: -0,500 Zmax: 1,500\r\n");
+  EXPECT_EQ(Ask("SIZE MODEL").substr(0, 21), "Minimum: X -1,500 Y 0");
+}
+
+TEST_F(SimTarvikTest, ResetPutsTheUnlockedLimitsAroundTheModel) {
+  LoadModel();
+  // What ResizeBlock sends with ZMIN locked and an offset of 5.
+  for (const char* c :
+       {"EDIT BLOCKTYPE LIMITS", "EDIT BLOCK LIMITTYPE MODEL", "EDIT BLOCK ALL UNLOCK",
+        "EDIT BLOCK XMIN UNLOCK", "EDIT BLOCK XMAX UNLOCK", "EDIT BLOCK YMIN UNLOCK",
+        "EDIT BLOCK YMAX UNLOCK", "EDIT BLOCK ZMIN LOCK", "EDIT BLOCK ZMAX UNLOCK",
+        "EDIT BLOCK RESETLIMIT 5.", "EDIT BLOCK RESET", "EDIT BLOCK ALL UNLOCK"}) {
+    Send(c);
+  }
+  // The first reset makes the block, so the lock has nothing to keep yet.
+  EXPECT_EQ(Ask("SIZE BLOCK"),
+            "Information: Xmin: -55.000 Xmax: 55.000\r\nYmin: -30.000 Ymax: 30.000\r\n"
+            "Zmin: -5.000 Zmax: 35.000\r\n");
+  Send("edit block zmin lock");
+  Send("edit block xmax lock");
+  Send("EDIT BLOCK RESETLIMIT -1");
+  Send("EDIT BLOCK RESET");
+  const SimTarvik::Block block = tarvik_->block();
+  EXPECT_EQ(block.limits, (std::array<double, 6>{-49, 55, -24, 24, -5, 29}));
+  EXPECT_EQ(block.locked, (std::array<bool, 6>{false, true, false, false, true, false}));
+  EXPECT_EQ(block.reset_offset, -1);
+  EXPECT_EQ(block.type, "LIMITS");
+  EXPECT_EQ(block.limit_type, "MODEL");
+}
+
+TEST_F(SimTarvikTest, LimitValuesNeedTheLimitUnlocked) {
+  Send("EDIT BLOCK YMAX 12.5");
+  SimTarvik::Block block = tarvik_->block();
+  EXPECT_TRUE(block.defined);
+  EXPECT_EQ(block.limits[SimTarvik::kYmax], 12.5);
+  Send("EDIT BLOCK YMAX LOCK");
+  EXPECT_EQ(Rejection("EDIT BLOCK YMAX 3"), "Limit is locked: YMAX");
+  Send("EDIT BLOCK YMAX UNLOCK");
+  Send("EDIT BLOCK YMAX -3.");
+  EXPECT_EQ(tarvik_->block().limits[SimTarvik::kYmax], -3);
+}
+
+TEST_F(SimTarvikTest, BadBlockCommandsAreRejectedAndChangeNothing) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"EDIT BLOCK RESET", "No model loaded"},
+      {"EDIT BLOCK XMIN abc", "Invalid number: ABC"},
+      {"EDIT BLOCK RESETLIMIT 5..", "Invalid number: 5.."},
+      {"EDIT BLOCK WMIN 5", "Unknown command: EDIT BLOCK WMIN 5"},
+      {"EDIT BLOCK ALL 5", "Unknown command: EDIT BLOCK ALL 5"},
+      {"EDIT BLOCK XMIN", "Unknown command: EDIT BLOCK XMIN"},
+      {"EDIT BLOCK XMIN 1 2", "Unknown command: EDIT BLOCK XMIN 1 2"},
+  };
+  for (const auto& [command, why] : cases) EXPECT_EQ(Rejection(command), why) << command;
+  EXPECT_FALSE(tarvik_->block().defined);
+  EXPECT_EQ(tarvik_->block().limits, (std::array<double, 6>{}));
+}
+
+TEST_F(SimTarvikTest, ToolCommandsDefineTheTool) {
+  for (const char* c :
+       {"EDIT DIAMETER 6.", "EDIT TLEN 50.", "EDIT TOOLTYPE TAPERTIPPED", "EDIT TIPRADIUS 0.5",
+        "EDIT TAPERANGLE 10.", "EDIT TAPERHEIGHT 2.", "edit tipradiusx -1.25", "EDIT TIPRADIUSY 0.",
+        "EDIT TOOLNUMBER 0", "EDIT TOOLNAME \"Big one\""}) {
+    Send(c);
+  }
+  const std::map<std::string, std::string> expected = {
+      {"DIAMETER", "6."},      {"TLEN", "50."},       {"TOOLTYPE", "TAPERTIPPED"},
+      {"TIPRADIUS", "0.5"},    {"TAPERANGLE", "10."}, {"TAPERHEIGHT", "2."},
+      {"TIPRADIUSX", "-1.25"}, {"TIPRADIUSY", "0."},  {"TOOLNUMBER", "0"},
+      {"TOOLNAME", "Big one"}};
+  EXPECT_EQ(tarvik_->tool(), expected);
+  for (const char* type : {"ENDMILL", "BALLNOSED", "TIPRADIUSED", "TAPERSPHERICAL", "TIPPEDDISC",
+                           "OFFCENTRETIPRAD", "DRILL"}) {
+    Send(std::string("EDIT TOOLTYPE ") + type);
+    EXPECT_EQ(tarvik_->tool().at("TOOLTYPE"), type);
+  }
+  Send("EDIT TOOLNAME a \"quoted\" name");
+  EXPECT_EQ(tarvik_->tool().at("TOOLNAME"), "a \"quoted\" name");
+}
+
+TEST_F(SimTarvikTest, BadToolCommandsAreRejected) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"EDIT TOOLTYPE SPOON", "Unknown tool type: SPOON"},
+      {"EDIT TOOLTYPE OFFCENTRE", "Unknown tool type: OFFCENTRE"},
+      {"EDIT DIAMETER abc", "Invalid number: ABC"},
+      {"EDIT TLEN", "Unknown command: EDIT TLEN"},
+      {"EDIT TOOLNUMBER 2.5", "Invalid tool number: 2.5"},
+      {"EDIT TOOLNUMBER -2", "Invalid tool number: -2"},
+      {"EDIT WIDTH 3", "Unknown command: EDIT WIDTH 3"},
+  };
+  for (const auto& [command, why] : cases) EXPECT_EQ(Rejection(command), why) << command;
+  EXPECT_TRUE(tarvik_->tool().empty());
+}
+
+TEST_F(SimTarvikTest, UnitsAndDialogSettingsAreFormValues) {
+  EXPECT_EQ(Ask("PRINT FORMVALUE INFOBAR.UNITS"), "MM\r\n");
+  Send("EDIT UNITS INCHES");
+  EXPECT_EQ(Ask("print formvalue infobar.units"), "INCHES\r\n");
+  Send("edit units mm");
+  EXPECT_EQ(tarvik_->units(), "MM");
+  EXPECT_EQ(Rejection("EDIT UNITS FEET"), "Unknown units: FEET");
+
+  const char* message = "print formvalue roughmenubar.view.dialogs.message";
+  EXPECT_EQ(Ask(message), "TRUE\r\n");
+  Send("dialogs message off");
+  EXPECT_EQ(Ask(message), "FALSE\r\n");
+  EXPECT_TRUE(tarvik_->error_dialogs());
+  Send("DIALOGS ERROR OFF");
+  EXPECT_FALSE(tarvik_->error_dialogs());
+  EXPECT_EQ(Ask("PRINT FORMVALUE ROUGHMENUBAR.VIEW.DIALOGS.ERROR"), "FALSE\r\n");
+  Send("DIALOGS MESSAGE ON");
+  EXPECT_TRUE(tarvik_->message_dialogs());
+  EXPECT_EQ(Rejection("DIALOGS MESSAGE MAYBE"), "DIALOGS takes MESSAGE or ERROR, then ON or OFF");
+  EXPECT_EQ(Rejection("DIALOGS WARNING ON"), "DIALOGS takes MESSAGE or ERROR, then ON or OFF");
+  EXPECT_EQ(Rejection("PRINT FORMVALUE INFOBAR.SPEED"), "Unknown form value: INFOBAR.SPEED");
+}
+
+TEST_F(SimTarvikTest, DialogsWouldShowUnlessSwitchedOff) {
+  LoadModel();
+  Ask("SIZE MODEL");
+  EXPECT_EQ(tarvik_->message_dialogs_shown(), 1);
+  Send("dialogs message off");
+  Ask("SIZE MODEL");
+  Ask("PRINT ENTITY TOOLPATHS");
+  EXPECT_EQ(tarvik_->message_dialogs_shown(), 1);
+  Rejection("FROBNICATE");
+  EXPECT_EQ(tarvik_->error_dialogs_shown(), 1);
+  Send("DIALOGS ERROR OFF");
+  Rejection("FROBNICATE");
+  EXPECT_EQ(tarvik_->error_dialogs_shown(), 1);
+}
+
+TEST_F(SimTarvikTest, EntityListsMarkTheActiveOne) {
+  tarvik_->AddToolpath("Rough 1", {0, 0, 0, 1, 1, 1});
+  tarvik_->AddToolpath("Finish 2", {0, 0, 0, 1, 1, 1});
+  tarvik_->AddToolpath("Rest 3", {0, 0, 0, 1, 1, 1});
+  EXPECT_EQ(Ask("PRINT ENTITY TOOLPATHS"),
+            "3 toolpaths\r\n'Rough 1'\r\n'Finish 2'\r\n'Rest 3'\r\n");
+  tarvik_->SetActive(EntityKind::kToolpath, "finish 2");
+  EXPECT_EQ(Ask("print entity toolpath"),
+            "3 toolpaths\r\n'Rough 1'\r\n*'Finish 2'\r\n'Rest 3'\r\n");
+  Send("ACTIVATE TOOLPATH \"Rest 3\"");
+  EXPECT_EQ(tarvik_->active(EntityKind::kToolpath), "Rest 3");
+  tarvik_->SetActive(EntityKind::kToolpath, "");
+  EXPECT_EQ(Ask("PRINT ENTITY TOOLPATHS").find('*'), std::string::npos);
+
+  EXPECT_EQ(Ask("PRINT ENTITY PATTERN"), "0 patterns\r\n");
+  tarvik_->AddWorkplane("World", {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
+  tarvik_->SetActive(EntityKind::kWorkplane, "World");
+  EXPECT_EQ(Ask("PRINT ENTITY WORKPLANE"), "1 workplanes\r\n*'World'\r\n");
+  EXPECT_EQ(Rejection("PRINT ENTITY SPOONS"), "Unknown entity type: SPOONS");
+  EXPECT_EQ(Rejection("ACTIVATE PATTERN Nope"), "Pattern not found: Nope");
+}
+
+TEST_F(SimTarvikTest, SetUpMistakesRaiseInvalidCall) {
+  auto error_of = [](const std::function<void()>& call) {
+    try {
+      call();
+    } catch (const Error& e) {
+      return e.number();
+    }
+    return 0;
+  };
+  EXPECT_EQ(error_of([&] {
+              tarvik_->AddEntity(EntityKind::kWorkplane, "W", {1, 2, 3});
+            }),
+            err::kInvalidCall);
+  EXPECT_EQ(error_of([&] { tarvik_->AddEntity(EntityKind::kToolpath, "T", {}); }),
+            err::kInvalidCall);
+  EXPECT_EQ(error_of([&] { tarvik_->SetActive(EntityKind::kPattern, "Nope"); }), err::kInvalidCall);
+  EXPECT_EQ(error_of([&] { tarvik_->set_units("furlongs"); }), err::kInvalidCall);
+  EXPECT_EQ(error_of([&] { tarvik_->LoadModel({}, -1); }), err::kInvalidCall);
+  EXPECT_TRUE(tarvik_->entity_names(EntityKind::kWorkplane).empty());
+
+  tarvik_->AddToolpath("T", {0, 0, 0, 1, 1, 1});
+  tarvik_->AddToolpath("t", {0, 0, 0, 2, 2, 2});  // the same toolpath, new extents
+  EXPECT_EQ(tarvik_->entity_names(EntityKind::kToolpath), std::vector<std::string>{"T"});
+}
+
+TEST_F(SimTarvikTest, AcceptsTheTraceCommandAndRejectsUnknownOnes) {
+  EXPECT_EQ(Ask("NLTDEBUG UNTRACE COMMAND ACCEPT"), "");
+  EXPECT_EQ(Rejection("FROBNICATE the part"), "Unknown command: FROBNICATE the part");
+  EXPECT_EQ(Rejection(""), "Empty command");
+  EXPECT_EQ(Rejection("PRINT"), "Unknown command: PRINT");
+}
+
+TEST_F(SimTarvikTest, FrameworkFaultsStillApply) {
+  LoadModel();
+  EXPECT_EQ(GetMember(host_, "version").ToLong(), SimTarvik::kDefaultVersion);
+  tarvik_->ScriptReply("SIZE MODEL", "Error");
+  EXPECT_EQ(Ask("size model"), "Error");
+  tarvik_->ScriptReply("EDIT BLOCK RESET", "");
+  Send("EDIT BLOCK RESET");
+  EXPECT_FALSE(tarvik_->block().defined);  // scripted, so not run
+  tarvik_->FailMember("Execute", 1000, "untrace refused");
+  EXPECT_THROW(Send("NLTDEBUG UNTRACE COMMAND ACCEPT"), Error);
+  EXPECT_EQ(Ask("SIZE COMPONENTS"), "Components: 12\r\n");
+  tarvik_->GoAway();
+  try {
+    Ask("SIZE COMPONENTS");
+    FAIL();
+  } catch (const Error& e) {
+    EXPECT_EQ(e.number(), err::kServerGone);
+  }
+}
+
+}  // namespace
+}  // namespace qorvel::hosts

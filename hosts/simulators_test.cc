@@ -1,0 +1,121 @@
+#include "hosts/simulators.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "qorvel/platform/error.h"
+
+namespace qorvel::hosts {
+namespace {
+
+using namespace std::chrono_literals;
+
+int32_t ErrorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const Error& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+class SimulatorsTest : public ::testing::Test {
+ protected:
+  RunningObjects& running() { return Env::Current().running_objects(); }
+  Launcher& launcher() { return Env::Current().launcher(); }
+  // A registry text value as the controls read it: the stored bytes without the closing zero.
+  std::string RegText(const std::string& key, const std::string& name) {
+    std::optional<RegValue> value =
+        Env::Current().registry().GetValue(HKEY_LOCAL_MACHINE, key, name);
+    if (!value || value->type != REG_SZ || value->data.empty()) return "(none)";
+    return std::string(value->data.begin(), value->data.end() - 1);
+  }
+
+  ScopedEnv env_;
+};
+
+TEST_F(SimulatorsTest, RunRegistersTheHostAsRunningAfterItsDelay) {
+  auto zebrin = RunZebrin();
+  EXPECT_EQ(running().BindRunning("zebrin.document"), zebrin);
+  auto starting = RunTarvik(1h);
+  EXPECT_EQ(ErrorOf([&] { running().BindRunning("Tarvik.Document"); }), err::kCantCreate);
+  auto quick = RunTarvik(20ms);
+  std::this_thread::sleep_for(40ms);
+  EXPECT_EQ(running().BindRunning("Tarvik.Document"), quick);
+  EXPECT_EQ(StartedHosts(), (std::vector<std::shared_ptr<SimHost>>{zebrin, starting, quick}));
+}
+
+TEST_F(SimulatorsTest, LauncherStartsANewSimulatorWithTheDelayInForce) {
+  InstallSimulatedHosts(1h);
+  EXPECT_EQ(launcher().LaunchProgram(kZebrinProgram, 3) > 0, true);
+  auto first = LastZebrin();
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(ErrorOf([&] { running().BindRunning("Zebrin.Document"); }), err::kCantCreate);
+
+  SetStartDelay(0ms);
+  launcher().LaunchProgram(kZebrinProgram, 3);
+  EXPECT_NE(LastZebrin(), first);
+  EXPECT_EQ(running().BindRunning("Zebrin.Document"), LastZebrin());
+  launcher().LaunchProgram(kTarvikProgram, 3);
+  EXPECT_EQ(running().BindRunning("Tarvik.Document"), LastTarvik());
+  EXPECT_EQ(LastStarted("TARVIK.DOCUMENT"), LastTarvik());
+  EXPECT_EQ(StartedHosts().size(), 3u);
+  EXPECT_EQ(launcher().launches().size(), 3u);
+}
+
+TEST_F(SimulatorsTest, ClassServerGivesAFreshUnregisteredInstanceEachTime) {
+  InstallSimulatedHosts();
+  auto running_host = RunTarvik();
+  running_host->LoadModel({0, 0, 0, 1, 1, 1}, 3);
+  AutomationObject a = running().CreateNew("Tarvik.Document");
+  AutomationObject b = running().CreateNew("tarvik.document");
+  EXPECT_NE(a, b);
+  EXPECT_NE(a, running_host);
+  EXPECT_EQ(running().BindRunning("Tarvik.Document"), running_host);
+  auto sim_a = std::dynamic_pointer_cast<SimTarvik>(a);
+  ASSERT_NE(sim_a, nullptr);
+  EXPECT_FALSE(sim_a->model().has_value());
+  EXPECT_EQ(LastTarvik(), b);
+  EXPECT_EQ(StartedHosts().size(), 3u);
+  EXPECT_NE(std::dynamic_pointer_cast<SimZebrin>(running().CreateNew("Zebrin.Document")), nullptr);
+}
+
+TEST_F(SimulatorsTest, AFreshEnvironmentStartsWithNoSimulators) {
+  RunZebrin();
+  {
+    ScopedEnv inner;
+    EXPECT_TRUE(StartedHosts().empty());
+    EXPECT_EQ(LastZebrin(), nullptr);
+    EXPECT_EQ(ErrorOf([&] { running().BindRunning("Zebrin.Document"); }), err::kCantCreate);
+  }
+  EXPECT_EQ(StartedHosts().size(), 1u);
+}
+
+TEST_F(SimulatorsTest, DefaultRegFileInstallsBothProgramsAndIsTheOneBuiltIn) {
+  std::ifstream file(QORVEL_SOURCE_DIR "/hosts/simulated_hosts.reg", std::ios::binary);
+  std::stringstream text;
+  text << file.rdbuf();
+  EXPECT_EQ(text.str(), DefaultRegText());
+
+  InstallSimulatedHosts();
+  EXPECT_EQ(RegText("SOFTWARE\\Halvern\\Exec\\zebrin", "CurrentVersion"), "2300");
+  EXPECT_EQ(RegText("SOFTWARE\\Halvern\\zebrin\\2300", "ExecutablePath"), kZebrinProgram);
+  EXPECT_EQ(RegText("SOFTWARE\\Halvern\\Exec\\tarvik", "CurrentVersion"), "2620");
+  EXPECT_EQ(RegText("SOFTWARE\\Halvern\\tarvik\\2620", "ExecutablePath"), kTarvikProgram);
+}
+
+// The road a control takes to start a host: the version, then the path, then the launch.
+TEST_F(SimulatorsTest, StartingThroughTheRegistryReachesARunningHost) {
+  InstallSimulatedHosts();
+  const std::string version = RegText("SOFTWARE\\Halvern\\Exec\\tarvik", "CurrentVersion");
+  const std::string path = RegText("SOFTWARE\\Halvern\\tarvik\\" + version, "ExecutablePath");
+  launcher().LaunchProgram(path, 3);
+  AutomationObject host = running().BindRunning("Tarvik.Document");
+  EXPECT_EQ(GetMember(host, "version").ToLong(), SimTarvik::kDefaultVersion);
+}
+
+}  // namespace
+}  // namespace qorvel::hosts
