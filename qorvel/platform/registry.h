@@ -30,6 +30,7 @@ inline constexpr uint32_t REG_QWORD = 11;
 inline constexpr int32_t ERROR_SUCCESS = 0;
 inline constexpr int32_t ERROR_FILE_NOT_FOUND = 2;
 inline constexpr int32_t ERROR_INVALID_HANDLE = 6;
+inline constexpr int32_t ERROR_INVALID_PARAMETER = 87;
 inline constexpr int32_t ERROR_MORE_DATA = 234;
 
 struct RegValue {
@@ -74,11 +75,17 @@ class Registry {
   void LoadRegText(std::string_view bytes, std::string_view source_name);
 
  private:
-  struct Key;
+  struct KeyData {
+    std::map<std::string, RegValue> values;  // by upper-cased value name
+  };
+  // Keys are held flat under their full upper-cased paths: "80000002\\SOFTWARE\\HALVERN".
+  std::string PathOf(HKEY root, std::string_view key) const;
+  KeyData& MakeKey(const std::string& path);
+  void DeleteTree(const std::string& path);
+
   mutable std::mutex mu_;
-  // Implementation-defined storage; see registry.cc.
-  std::shared_ptr<Key> roots_[8];
-  std::map<HKEY, std::string> handles_;  // handle -> "root\\path" of the open key
+  std::map<std::string, KeyData> keys_;
+  std::map<HKEY, std::string> handles_;  // open handle -> key path
   HKEY next_handle_ = 0x100;
   int close_calls_ = 0;
 };
