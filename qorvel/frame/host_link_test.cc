@@ -167,8 +167,9 @@ TEST_F(HostLinkTest, HostExecuteSendsTheCommandAndStatusByReference) {
   EXPECT_EQ(link.HostExecute("ADVANCEDOPTS WINDOWS INFORMATION ON"), VariantBool::kFalse);
   link.ConnectToRunning();
   EXPECT_EQ(link.HostExecute("ADVANCEDOPTS WINDOWS INFORMATION ON"), VariantBool::kTrue);
-  ASSERT_EQ(zebrin->log().size(), 1u);
-  const Call& call = zebrin->log()[0];
+  const auto log = zebrin->log();
+  ASSERT_EQ(log.size(), 1u);
+  const Call& call = log[0];
   EXPECT_EQ(call.member, "Execute");
   ASSERT_EQ(call.args.size(), 2u);
   EXPECT_EQ(call.args[0].ToText(), "ADVANCEDOPTS WINDOWS INFORMATION ON");

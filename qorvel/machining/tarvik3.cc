@@ -116,10 +116,13 @@ VariantBool Tarvik3::Visible() {
 void Tarvik3::SetVisible(VariantBool yesno) {
   if (ConnectedFlag != VariantBool::kTrue) return;
   const AutomationObject& host = Link().object();
-  if (yesno == VariantBool::kTrue && GetMember(host, "Visible").ToBool() == VariantBool::kFalse) {
+  // Both tests read the host, the second only when the first fails: a value other than -1 and
+  // 0 reads it twice and writes nothing.
+  const bool hidden = GetMember(host, "Visible").ToBool() == VariantBool::kFalse;
+  if (yesno == VariantBool::kTrue && hidden) {
     SetMember(host, "Visible", Variant(VariantBool::kTrue));
-  } else if (yesno == VariantBool::kFalse &&
-             GetMember(host, "Visible").ToBool() == VariantBool::kTrue) {
+  } else if (GetMember(host, "Visible").ToBool() == VariantBool::kTrue &&
+             yesno == VariantBool::kFalse) {
     SetMember(host, "Visible", Variant(VariantBool::kFalse));
   }
   CachedVisible = yesno;

@@ -119,7 +119,10 @@ VariantBool ReadExtents(int16_t kind, SafeArray& values, std::string& name) {
   if (static_cast<int32_t>(fields.size()) - 1 != q.last_field) return VariantBool::kFalse;
 
   const bool fits = values.fixed() && values.dims() == 1 && values.size() == q.count;
-  if (!fits && !HoldBack([&] { values.Redim({{1, q.count}}, false); })) return VariantBool::kFalse;
+  if (!fits) {
+    if (values.fixed() || values.locked()) return VariantBool::kFalse;  // can't be made anew
+    values = SafeArray(VarType::kDouble, {{1, q.count}});
+  }
   const int32_t lower = values.LBound();
   for (int32_t i = 0; i < q.count; ++i) {
     HoldBack([&] { values.PutDouble(lower + i, Variant(fields[i]).ToDouble()); });

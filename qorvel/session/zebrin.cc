@@ -88,10 +88,13 @@ VariantBool Zebrin::Visible() {
 // Errors are not held back here: a host that doesn't answer fails the member.
 void Zebrin::SetVisible(VariantBool yesno) {
   const AutomationObject& host = Link().object();
-  if (yesno == VariantBool::kTrue && GetMember(host, "Visible").ToBool() == VariantBool::kFalse) {
+  // Both tests read the host, the second only when the first fails: a value other than -1 and
+  // 0 reads it twice and writes nothing.
+  const bool hidden = GetMember(host, "Visible").ToBool() == VariantBool::kFalse;
+  if (yesno == VariantBool::kTrue && hidden) {
     SetMember(host, "Visible", Variant(VariantBool::kTrue));
-  } else if (yesno == VariantBool::kFalse &&
-             GetMember(host, "Visible").ToBool() == VariantBool::kTrue) {
+  } else if (GetMember(host, "Visible").ToBool() == VariantBool::kTrue &&
+             yesno == VariantBool::kFalse) {
     SetMember(host, "Visible", Variant(VariantBool::kFalse));
   }
   CachedVisible = yesno;

@@ -145,9 +145,9 @@ TEST_F(ZebrinTest, VisiblePutWritesOnlyWhenTheHostDiffers) {
     std::vector<std::string> calls;
     VariantBool host_after;
   } cases[] = {
-      {-1, VariantBool::kTrue, {"Visible"}, VariantBool::kTrue},
+      {-1, VariantBool::kTrue, {"Visible", "Visible"}, VariantBool::kTrue},
       {-1, VariantBool::kFalse, {"Visible", "Visible"}, VariantBool::kTrue},
-      {0, VariantBool::kTrue, {"Visible", "Visible"}, VariantBool::kFalse},
+      {0, VariantBool::kTrue, {"Visible", "Visible", "Visible"}, VariantBool::kFalse},
       {0, VariantBool::kFalse, {"Visible", "Visible"}, VariantBool::kFalse},
       {5, VariantBool::kTrue, {"Visible", "Visible"}, VariantBool::kTrue},
   };
