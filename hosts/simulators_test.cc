@@ -7,20 +7,12 @@
 #include <thread>
 
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 
 namespace qorvel::hosts {
 namespace {
 
 using namespace std::chrono_literals;
-
-int32_t ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 class SimulatorsTest : public ::testing::Test {
  protected:

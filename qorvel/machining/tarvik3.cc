@@ -1,5 +1,6 @@
 #include "qorvel/machining/tarvik3.h"
 
+#include "qorvel/frame/session_members.h"
 #include "qorvel/machining/tarvik_stuff.h"
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/dispatch.h"
@@ -70,25 +71,14 @@ VariantBool Tarvik3::Connected() {
   return ConnectedFlag;
 }
 
-VariantBool Tarvik3::Busy() {
-  VariantBool busy = VariantBool::kFalse;
-  ClearAutomationError();
-  HoldBack([&] { busy = GetMember(Link().object(), "Busy").ToBool(); });
-  return AutomationError() != 0 ? VariantBool::kFalse : busy;
-}
+VariantBool Tarvik3::Busy() { return session_members::ReadBusy(Link()); }
 
 int32_t Tarvik3::WindowState() {
-  ClearAutomationError();
-  HoldBack([&] { CachedWindowState = GetMember(Link().object(), "WindowState").ToInteger(); });
-  if (AutomationError() != 0) CachedWindowState = 0;
-  return CachedWindowState;
+  return session_members::ReadWindowState(Link(), CachedWindowState);
 }
 
 void Tarvik3::SetWindowState(int32_t new_state) {
-  if (new_state != 8 && new_state != 2 && new_state != 4 && new_state != 1) return;
-  CachedWindowState = static_cast<int16_t>(new_state);
-  ClearAutomationError();
-  HoldBack([&] { SetMember(Link().object(), "WindowState", Variant(CachedWindowState)); });
+  session_members::WriteWindowState(Link(), CachedWindowState, new_state);
 }
 
 VariantBool Tarvik3::Dialogs() {
@@ -107,25 +97,12 @@ void Tarvik3::SetDialogs(VariantBool onoff) {
   }
 }
 
-VariantBool Tarvik3::Visible() {
-  HoldBack([&] { CachedVisible = GetMember(Link().object(), "Visible").ToBool(); });
-  return CachedVisible;
-}
+VariantBool Tarvik3::Visible() { return session_members::ReadVisible(Link(), CachedVisible); }
 
 // Runs only while connected; then, with no errors held back, as Zebrin's.
 void Tarvik3::SetVisible(VariantBool yesno) {
   if (ConnectedFlag != VariantBool::kTrue) return;
-  const AutomationObject& host = Link().object();
-  // Both tests read the host, the second only when the first fails: a value other than -1 and
-  // 0 reads it twice and writes nothing.
-  const bool hidden = GetMember(host, "Visible").ToBool() == VariantBool::kFalse;
-  if (yesno == VariantBool::kTrue && hidden) {
-    SetMember(host, "Visible", Variant(VariantBool::kTrue));
-  } else if (GetMember(host, "Visible").ToBool() == VariantBool::kTrue &&
-             yesno == VariantBool::kFalse) {
-    SetMember(host, "Visible", Variant(VariantBool::kFalse));
-  }
-  CachedVisible = yesno;
+  session_members::WriteVisible(Link(), CachedVisible, yesno);
 }
 
 VariantBool Tarvik3::IsModelLoaded() { return tarvik_stuff::ModelLoadedProbe(); }

@@ -7,21 +7,13 @@
 #include "qorvel/platform/collection.h"
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 #include "qorvel/platform/numbers.h"
 
 namespace qorvel {
 namespace {
 
 using hosts::SimTarvik;
-
-int32_t ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 class Tarvik3Test : public ::testing::Test {
  protected:

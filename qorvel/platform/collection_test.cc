@@ -6,19 +6,10 @@
 #include <vector>
 
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 
 namespace qorvel {
 namespace {
-
-template <class Statement>
-int32_t ErrorOf(Statement&& statement) {
-  try {
-    statement();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 // The collection's items as text, in order.
 std::string Contents(const AutomationObject& c) {

@@ -7,19 +7,10 @@
 #include <string>
 
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 
 namespace qorvel {
 namespace {
-
-template <class Statement>
-int32_t ErrorOf(Statement&& statement) {
-  try {
-    statement();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 std::string WriteFile(const std::string& name, const std::string& text, mode_t mode) {
   std::string path = testing::TempDir() + name;

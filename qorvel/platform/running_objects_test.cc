@@ -8,6 +8,7 @@
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 
 namespace qorvel {
 namespace {
@@ -24,16 +25,6 @@ class Named : public Dispatch {
 };
 
 AutomationObject MakeNamed(const std::string& name) { return std::make_shared<Named>(name); }
-
-template <class Statement>
-int32_t ErrorOf(Statement&& statement) {
-  try {
-    statement();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 TEST(RunningObjectsTest, BindRunningFindsTheRegisteredObjectByClassName) {
   RunningObjects table;

@@ -6,20 +6,11 @@
 
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 #include "qorvel/platform/numbers.h"
 
 namespace qorvel {
 namespace {
-
-template <class Statement>
-int32_t ErrorOf(Statement&& statement) {
-  try {
-    statement();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 class SafeArrayTest : public testing::Test {
  protected:

@@ -9,6 +9,7 @@
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 #include "qorvel/platform/numbers.h"
 #include "qorvel/platform/safe_array.h"
 
@@ -16,16 +17,6 @@ namespace qorvel {
 namespace {
 
 // The error number a statement raises; 0 when it raises none.
-template <class Statement>
-int32_t ErrorOf(Statement&& statement) {
-  try {
-    statement();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
-
 class Thing : public Dispatch {
  public:
   Variant Invoke(std::string_view, CallKind, std::span<Variant>) override { return 1; }

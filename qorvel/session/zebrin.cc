@@ -1,5 +1,6 @@
 #include "qorvel/session/zebrin.h"
 
+#include "qorvel/frame/session_members.h"
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/dispatch.h"
 
@@ -51,25 +52,14 @@ VariantBool Zebrin::Connected() {
   return ConnectedFlag;
 }
 
-VariantBool Zebrin::Busy() {
-  VariantBool busy = VariantBool::kFalse;
-  ClearAutomationError();
-  HoldBack([&] { busy = GetMember(Link().object(), "Busy").ToBool(); });
-  return AutomationError() != 0 ? VariantBool::kFalse : busy;
-}
+VariantBool Zebrin::Busy() { return session_members::ReadBusy(Link()); }
 
 int32_t Zebrin::WindowState() {
-  ClearAutomationError();
-  HoldBack([&] { CachedWindowState = GetMember(Link().object(), "WindowState").ToInteger(); });
-  if (AutomationError() != 0) CachedWindowState = 0;
-  return CachedWindowState;
+  return session_members::ReadWindowState(Link(), CachedWindowState);
 }
 
 void Zebrin::SetWindowState(int32_t new_state) {
-  if (new_state != 8 && new_state != 2 && new_state != 4 && new_state != 1) return;
-  CachedWindowState = static_cast<int16_t>(new_state);
-  ClearAutomationError();
-  HoldBack([&] { SetMember(Link().object(), "WindowState", Variant(CachedWindowState)); });
+  session_members::WriteWindowState(Link(), CachedWindowState, new_state);
 }
 
 void Zebrin::SetInformationWindow(VariantBool onoff) {
@@ -80,24 +70,10 @@ void Zebrin::SetInformationWindow(VariantBool onoff) {
   }
 }
 
-VariantBool Zebrin::Visible() {
-  HoldBack([&] { CachedVisible = GetMember(Link().object(), "Visible").ToBool(); });
-  return CachedVisible;
-}
+VariantBool Zebrin::Visible() { return session_members::ReadVisible(Link(), CachedVisible); }
 
-// Errors are not held back here: a host that doesn't answer fails the member.
 void Zebrin::SetVisible(VariantBool yesno) {
-  const AutomationObject& host = Link().object();
-  // Both tests read the host, the second only when the first fails: a value other than -1 and
-  // 0 reads it twice and writes nothing.
-  const bool hidden = GetMember(host, "Visible").ToBool() == VariantBool::kFalse;
-  if (yesno == VariantBool::kTrue && hidden) {
-    SetMember(host, "Visible", Variant(VariantBool::kTrue));
-  } else if (GetMember(host, "Visible").ToBool() == VariantBool::kTrue &&
-             yesno == VariantBool::kFalse) {
-    SetMember(host, "Visible", Variant(VariantBool::kFalse));
-  }
-  CachedVisible = yesno;
+  session_members::WriteVisible(Link(), CachedVisible, yesno);
 }
 
 void Zebrin::Initialize() {
