@@ -1,0 +1,88 @@
+#include "qorvel/platform/numbers.h"
+
+#include <gtest/gtest.h>
+
+namespace qorvel {
+namespace {
+
+const NumberSymbols kPoint{".", ","};
+const NumberSymbols kComma{",", "."};
+
+TEST(NumbersTest, ParseNumberByRegion) {
+  struct Case {
+    const char* text;
+    const NumberSymbols& symbols;
+    std::optional<double> value;
+  } cases[] = {
+      {"12", kPoint, 12},
+      {" -2.5 ", kPoint, -2.5},
+      {"1,234.5", kPoint, 1234.5},
+      {"1.5E-3", kPoint, 0.0015},
+      {"+7", kPoint, 7},
+      {"2,5", kComma, 2.5},
+      {"1.234,5", kComma, 1234.5},
+      {"5.", kPoint, 5},
+      {"", kPoint, std::nullopt},
+      {"abc", kPoint, std::nullopt},
+      {"1x", kPoint, std::nullopt},
+      {"-", kPoint, std::nullopt},
+      {"1e", kPoint, std::nullopt},
+  };
+  for (const Case& c : cases) EXPECT_EQ(ParseNumber(c.text, c.symbols), c.value) << c.text;
+}
+
+TEST(NumbersTest, FormatGeneralLikeAutomation) {
+  const std::pair<double, const char*> cases[] = {
+      {0, "0"},
+      {0.1 + 0.2, "0.3"},
+      {1.0 / 3, "0.333333333333333"},
+      {1e15, "1E+15"},
+      {123456789012345, "123456789012345"},
+      {0.0001, "0.0001"},
+      {0.00001, "1E-05"},
+      {1.5e-10, "1.5E-10"},
+      {-2.5, "-2.5"},
+      {2620, "2620"},
+      {999999999999999.9, "1E+15"},
+  };
+  for (const auto& [value, text] : cases) EXPECT_EQ(FormatGeneral(value, kPoint), text) << value;
+  EXPECT_EQ(FormatGeneral(-2.5, kComma), "-2,5");
+}
+
+TEST(NumbersTest, PicturesRoundHalfAwayOnFifteenDigits) {
+  struct Case {
+    double value;
+    const char* picture;
+    const char* text;
+  } cases[] = {
+      {1, "0.######", "1."},
+      {2.5, "0.######", "2.5"},
+      {-3, "0.######", "-3."},
+      {1234.5678915, "0.######", "1234.567892"},
+      {0.0000001, "0.######", "0."},
+      {-0.0000001, "0.######", "0."},
+      {0.0000005, "0.######", "0.000001"},
+      {-2, "0", "-2"},
+      {12345, "0", "12345"},
+      {2.5, "0", "3"},
+      {5, "000", "005"},
+      {2620, "000", "2620"},
+      {-10, "0.000", "-10.000"},
+      {1234567.891, "#,##0.00", "1,234,567.89"},
+      {999.9999999, "0.######", "1000."},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(FormatPattern(c.value, c.picture, kPoint), c.text) << c.value << " " << c.picture;
+  }
+  EXPECT_EQ(FormatPattern(0.5, "0.######", kComma), "0,5");
+}
+
+TEST(NumbersTest, NumberPrefixIgnoresTheRegion) {
+  const std::pair<const char*, double> cases[] = {
+      {"12", 12},       {"Components:", 0}, {"12abc", 12},  {"0.001", 0.001}, {"", 0},
+      {"  -3.5", -3.5}, {"1,5", 1},         {"2E3x", 2000}, {"7E", 7},        {".5", 0.5}};
+  for (const auto& [text, value] : cases) EXPECT_EQ(ReadNumberPrefix(text), value) << text;
+}
+
+}  // namespace
+}  // namespace qorvel
