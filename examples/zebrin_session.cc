@@ -1,6 +1,7 @@
 // A whole Zebrin session against the simulated host: start it through the registry, send
 // commands, capture output, and read what the control reports.
 #include <iostream>
+#include <string>
 
 #include "hosts/simulators.h"
 #include "qorvel/platform/env.h"
@@ -8,7 +9,6 @@
 
 int main() {
   using qorvel::VariantBool;
-  qorvel::Env::Current().messages().set_echo(true);
   qorvel::hosts::InstallSimulatedHosts();
 
   qorvel::Zebrin zebrin;
@@ -26,6 +26,8 @@ int main() {
             << ", visible " << yes_no(zebrin.Visible()) << "\n";
   zebrin.SetWindowState(2);  // qvMaximise
   std::cout << "window state after maximise: " << zebrin.WindowState() << "\n";
+  zebrin.SetVisible(VariantBool::kFalse);
+  std::cout << "visible after hiding: " << yes_no(zebrin.Visible()) << "\n";
 
   auto host = qorvel::hosts::LastStarted("Zebrin.Document");
   std::cout << "the host saw " << host->log().size() << " calls:\n";
@@ -36,6 +38,12 @@ int main() {
   }
   zebrin.Terminate();
   std::cout << "after Terminate, connected: " << yes_no(zebrin.Connected()) << "\n";
-  std::cout << "message boxes shown: " << qorvel::Env::Current().messages().shown().size() << "\n";
+  const auto boxes = qorvel::Env::Current().messages().shown();
+  std::cout << "message boxes shown: " << boxes.size() << "\n";
+  for (const auto& box : boxes) {
+    std::string text = box.text;
+    for (char& c : text) c = c == '\r' ? '|' : c;  // one carriage return splits the lines
+    std::cout << "  [" << box.title << "] style " << box.style << ": " << text << "\n";
+  }
   return 0;
 }

@@ -70,6 +70,7 @@ struct StartCase {
   const char* path;             // nullptr: value missing
   std::chrono::milliseconds delay;
   Message box;
+  const char* launched;  // nullptr: nothing launched
 };
 
 class StartFailureTest : public HostLinkTest, public ::testing::WithParamInterface<StartCase> {};
@@ -95,6 +96,14 @@ TEST_P(StartFailureTest, ShowsOneBoxAndReturnsFalse) {
   ASSERT_EQ(Boxes().size(), 1u);
   EXPECT_EQ(Boxes()[0], c.box);
   EXPECT_EQ(Boxes()[0].text.find('\n'), std::string::npos);
+  auto launches = env_.env().launcher().launches();
+  if (c.launched == nullptr) {
+    EXPECT_TRUE(launches.empty());
+  } else {
+    ASSERT_EQ(launches.size(), 1u);
+    EXPECT_EQ(launches[0].path, c.launched);
+    EXPECT_EQ(launches[0].window_style, 3);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -106,41 +115,54 @@ INSTANTIATE_TEST_SUITE_P(
             nullptr,
             nullptr,
             {},
-            {"Cannot start remote Zebrin session\rCheck registry", 4112, "Error starting Zebrin"}},
+            {"Cannot start remote Zebrin session\rCheck registry", 4112, "Error starting Zebrin"},
+            nullptr},
         StartCase{
             "TarvikNoPath",
             Host::kTarvik,
             "2620",
             nullptr,
             {},
-            {"Cannot start remote Tarvik session\rCheck registry", 4112, "Error starting Tarvik"}},
+            {"Cannot start remote Tarvik session\rCheck registry", 4112, "Error starting Tarvik"},
+            nullptr},
+        StartCase{
+            "PathThatReadsTheMarker",
+            Host::kZebrin,
+            "2300",
+            "Not Found",
+            {},
+            {"Cannot start remote Zebrin session\rCheck registry", 4112, "Error starting Zebrin"},
+            nullptr},
         StartCase{"PathUnderNotFoundKey",
                   Host::kZebrin,
                   nullptr,
                   "/nonexistent/zebrin",
                   {},
                   {"Cannot start remote Zebrin session\rCheck installation and registry settings",
-                   4112, "Error starting Zebrin"}},
+                   4112, "Error starting Zebrin"},
+                  "/nonexistent/zebrin"},
         StartCase{"MarkerInOtherCaseIsAPath",
                   Host::kTarvik,
                   "2620",
                   "not found",
                   {},
                   {"Cannot start remote Tarvik session\rCheck installation and registry settings",
-                   4112, "Error starting Tarvik"}},
+                   4112, "Error starting Tarvik"},
+                  "not found"},
         StartCase{"ZebrinStillStarting",
                   Host::kZebrin,
                   "2300",
                   hosts::kZebrinProgram,
                   1h,
-                  {"Zebrn cannot be linked to application", 4112, "Error connecting to Zebrin"}},
-        StartCase{
-            "TarvikStillStarting",
-            Host::kTarvik,
-            "2620",
-            hosts::kTarvikProgram,
-            1h,
-            {"Tarvik cannot be linked to VB application", 4112, "Error connecting to Tarvik"}}),
+                  {"Zebrn cannot be linked to application", 4112, "Error connecting to Zebrin"},
+                  hosts::kZebrinProgram},
+        StartCase{"TarvikStillStarting",
+                  Host::kTarvik,
+                  "2620",
+                  hosts::kTarvikProgram,
+                  1h,
+                  {"Tarvik cannot be linked to VB application", 4112, "Error connecting to Tarvik"},
+                  hosts::kTarvikProgram}),
     [](const auto& info) { return info.param.name; });
 
 TEST_F(HostLinkTest, ConnectNewCreatesAnInstanceEvenWithOneRunning) {
@@ -221,6 +243,28 @@ TEST_F(HostLinkTest, TarvikExecuteExKeepsErrorPresetOnFailureOrSilence) {
   EXPECT_EQ(link.HostExecuteEx("SIZE COMPONENTS"), "Components: 0\r\n");
   tarvik->GoAway();
   EXPECT_EQ(link.HostExecuteEx("SIZE COMPONENTS"), "Error");
+}
+
+// A host that takes every call and never writes the output argument.
+class SilentHost : public Dispatch {
+ public:
+  Variant Invoke(std::string_view member, CallKind, std::span<Variant> args) override {
+    calls.emplace_back(std::string(member), args.empty() ? "" : args[0].ToText());
+    return Variant();
+  }
+  std::vector<std::pair<std::string, std::string>> calls;
+};
+
+TEST_F(HostLinkTest, SilentHostGivesEmptyTextOnZebrinAndErrorOnTarvik) {
+  auto host = std::make_shared<SilentHost>();
+  HostLink::Of(Host::kZebrin).Bind(host);
+  HostLink::Of(Host::kTarvik).Bind(host);
+  EXPECT_EQ(HostLink::Of(Host::kZebrin).HostExecuteEx("PRINT X"), "");
+  EXPECT_EQ(HostLink::Of(Host::kTarvik).HostExecuteEx("PRINT X"), "Error");
+  using Sent = std::pair<std::string, std::string>;
+  EXPECT_EQ(host->calls, (std::vector<Sent>{{"ExecuteEx", "PRINT X"},
+                                            {"Execute", "NLTDEBUG UNTRACE COMMAND ACCEPT"},
+                                            {"ExecuteEx", "PRINT X"}}));
 }
 
 TEST_F(HostLinkTest, EachThreadHasItsOwnLinks) {

@@ -193,6 +193,24 @@ TEST_F(ZebrinTest, ExitCallsExitAndProbes) {
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
 }
 
+TEST_F(ZebrinTest, ExitOfAHostThatTakesAMomentStaysConnected) {
+  auto host = ConnectedHost();
+  host->linger_on_exit = true;
+  zebrin_.ExitZebrin();
+  EXPECT_EQ(zebrin_.Connected(), VariantBool::kTrue);
+  EXPECT_EQ(HostLink::Of(Host::kZebrin).object(), host);  // the link isn't emptied
+  host->GoAway();
+  EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
+}
+
+TEST_F(ZebrinTest, TerminateWithoutAHostDoesNothingVisible) {
+  hosts::InstallSimulatedHosts();
+  zebrin_.Terminate();
+  EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
+  EXPECT_TRUE(env_.env().messages().shown().empty());
+  EXPECT_TRUE(env_.env().launcher().launches().empty());
+}
+
 TEST_F(ZebrinTest, InstancesOnOneThreadShareTheLink) {
   auto host = hosts::RunZebrin();
   Zebrin second;
