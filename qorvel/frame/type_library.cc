@@ -383,22 +383,22 @@ TypeLibrary Build() {
   return lib;
 }
 
-bool SameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
-
 template <class T>
 const T* FindByName(const std::vector<T>& items, std::string_view name) {
   for (const T& item : items) {
-    if (SameName(item.name, name)) return &item;
+    if (SameNameNoCase(item.name, name)) return &item;
   }
   return nullptr;
 }
 
 }  // namespace
+
+bool SameNameNoCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) ==
+                  std::tolower(static_cast<unsigned char>(y));
+         });
+}
 
 std::string ToString(const Guid& g) {
   char text[40];
@@ -425,7 +425,7 @@ const EnumInfo* TypeLibrary::FindEnum(std::string_view name) const {
 
 const MemberInfo* FindMember(const InterfaceInfo& iface, std::string_view name, MemberKind kind) {
   for (const MemberInfo& m : iface.members) {
-    if (m.kind == kind && SameName(m.name, name)) return &m;
+    if (m.kind == kind && SameNameNoCase(m.name, name)) return &m;
   }
   return nullptr;
 }

@@ -107,6 +107,9 @@ const MemberInfo* FindMember(const InterfaceInfo& iface, std::string_view name, 
 const MemberInfo* FindMember(const InterfaceInfo& iface, int32_t dispid, MemberKind kind);
 inline constexpr int32_t kFirstEnumMemberId = 0x40000000;
 
+// Member and class names match without regard to case, as automation lookups do.
+bool SameNameNoCase(std::string_view a, std::string_view b);
+
 }  // namespace qorvel
 
 #endif  // QORVEL_FRAME_TYPE_LIBRARY_H_

@@ -1,0 +1,59 @@
+#ifndef QORVEL_FRAME_DISPATCH_FACE_H_
+#define QORVEL_FRAME_DISPATCH_FACE_H_
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "qorvel/frame/type_library.h"
+#include "qorvel/platform/dispatch.h"
+
+namespace qorvel {
+
+// An instance of a published class, reachable by member name (without regard to case) or by
+// DISPID. Arguments arrive in the caller's order; each is converted to its parameter's type, an
+// omitted optional one takes its default (0 when it has none), and by-reference ones are
+// written back to the caller's variables after the call.
+class ClassObject : public Dispatch {
+ public:
+  // The converted arguments of one call, in declaration order; a handler changes by-reference
+  // ones in place.
+  using Args = std::vector<Variant>;
+  using Handler = std::function<Variant(Args&)>;
+
+  explicit ClassObject(std::string_view class_name);
+
+  Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) override;
+  Variant InvokeId(int32_t dispid, CallKind kind, std::span<Variant> args);
+  MemberShape Shape(std::string_view member) const override;
+
+  const ClassInfo& class_info() const { return *class_; }
+  const InterfaceInfo& interface_info() const { return *interface_; }
+
+ protected:
+  // Binds a member's row to the code that runs it.
+  void Bind(std::string_view name, MemberKind kind, Handler handler);
+
+ private:
+  const MemberInfo* Find(int32_t dispid, CallKind kind) const;
+  Args Prepare(const MemberInfo& member, std::span<Variant> args) const;
+
+  const ClassInfo* class_;
+  const InterfaceInfo* interface_;
+  std::map<const MemberInfo*, Handler> handlers_;
+};
+
+// Creates a published class by its programmatic name ("QorvelOLE.Zebrin"); 429 when the name
+// isn't registered or the class isn't built yet.
+AutomationObject CreateObject(std::string_view prog_id);
+
+// Makes a class creatable by CreateObject.
+void RegisterClassFactory(const std::string& class_name, std::function<AutomationObject()> make);
+
+}  // namespace qorvel
+
+#endif  // QORVEL_FRAME_DISPATCH_FACE_H_
