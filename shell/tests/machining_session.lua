@@ -1,0 +1,59 @@
+-- A whole machining session, as the simulated Tarvik sees it.
+local t = CreateObject("QorvelOLE.Tarvik3")
+t:Connect(qvStartTarvik)
+assert(t.Connected and t.version == 2620)
+local host = Sim.LastStarted("Tarvik.Document")
+
+-- The version gate.
+Sim.SetVersion(host, 2521)
+local ok, err = pcall(function() return t.Connected end)
+assert(not ok and err.number == 60000 and err.description == "Control only supports Tarvik3 onwards")
+Sim.SetVersion(host, 2522)
+assert(t.Connected)
+
+-- No model: ResizeBlock sends no EDIT command.
+Sim.ClearLog(host)
+t:ResizeBlock(2)
+for _, c in ipairs(Sim.Commands(host)) do assert(not c:find("EDIT"), c) end
+
+Sim.LoadModel(host, 0, 0, 0, 100, 50, 20, 3)
+assert(t:ModelSize(qvxmax) == 100 and t:ModelSize(qvzmax) == 20)
+t:ResizeBlock(2.5)
+t:StoreBlock()
+assert(t:BlockSize(qvxmin) == -2.5 and t:BlockSize(qvymax) == 52.5)
+assert(t.BlockDefined)
+
+-- Numbers go out in the user's region.
+Regional.SetDecimal(",")
+Sim.ClearLog(host)
+t:SetBlock(qvzmax, 30.25)
+local cmds = Sim.Commands(host)
+assert(cmds[#cmds] == "EDIT BLOCK ZMAX 30,25", cmds[#cmds])
+Regional.SetDecimal(".")
+
+-- Defaults of the optional arguments.
+Sim.ClearLog(host)
+t:DefineTool(qvOffCentre, 8)
+cmds = Sim.Commands(host)
+assert(table.concat(cmds, "|") ==
+  "EDIT DIAMETER 8.|EDIT TOOLTYPE OFFCENTRETIPRAD|EDIT TIPRADIUSX 0.|EDIT TIPRADIUSY 0.",
+  table.concat(cmds, "|"))
+
+-- Lists fill the client's collection; by-reference values come back after the result.
+Sim.AddToolpath(host, "A", 0, 0, 0, 1, 1, 1)
+Sim.AddToolpath(host, "B", -1, -2, -3, 4, 5, 6)
+Sim.SetActive(host, "toolpath", "B")
+local list = Collection()
+list:Add("stale")
+local result, same, active = t:GetToolpathList(list, 99)
+assert(result == nil and active == 2 and list.Count == 2 and list:Item(2) == "B")
+local _, name, xmin, xmax, ymin, ymax, zmin, zmax = t:SizeToolpath("B", 0, 0, 0, 0, 0, 0)
+assert(name == '"B"' and xmin == -1 and xmax == 4 and ymin == -2 and zmax == 6)
+_, name, xmin = t:SizeToolpath(name, 0, 0, 0, 0, 0, 0)    -- doubled quotes: unknown
+assert(name == '""B""' and xmin == 0)
+
+t.Units = qvINCHES
+assert(t.Units == qvINCHES)
+t:Disconnect()
+assert(t.Connected == false)
+print("machining session: ok")
