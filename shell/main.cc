@@ -30,6 +30,7 @@ void OpenEnumerations(lua_State* L) {
 // "Error 60000: Control only supports Tarvik3 onwards" for automation errors, Lua's own
 // message otherwise.
 std::string Describe(lua_State* L, int index) {
+  index = lua_absindex(L, index);
   if (lua_istable(L, index)) {
     lua_getfield(L, index, "number");
     lua_getfield(L, index, "description");
