@@ -1,6 +1,7 @@
 #include "qorvel/platform/numbers.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -42,7 +43,7 @@ std::optional<double> ToDouble(const std::string& plain) {
 }
 
 std::string TextValue(const std::optional<RegValue>& value, const char* fallback) {
-  if (!value || value->data.empty()) return fallback;
+  if (!value || (value->type != REG_SZ && value->type != REG_EXPAND_SZ)) return fallback;
   std::string text(value->data.begin(), value->data.end());
   while (!text.empty() && text.back() == '\0') text.pop_back();
   return text.empty() ? fallback : text;
@@ -230,10 +231,12 @@ void SeedNumberSymbols(Registry& registry) {
   try {
     const std::locale user("");
     const auto& punct = std::use_facet<std::numpunct<char>>(user);
-    decimal = std::string(1, punct.decimal_point());
+    // A byte outside ASCII is half of a multi-byte symbol here and no symbol on its own.
+    auto usable = [](char c) { return c > ' ' && c < 0x7F && !std::isdigit(c); };
+    const char point = punct.decimal_point();
     const char sep = punct.thousands_sep();
-    thousand = sep == '\0' || sep == punct.decimal_point() ? (decimal == "," ? "." : ",")
-                                                           : std::string(1, sep);
+    if (usable(point)) decimal = std::string(1, point);
+    thousand = usable(sep) && sep != decimal[0] ? std::string(1, sep) : decimal == "," ? "." : ",";
   } catch (const std::exception&) {
     // No usable process locale: keep the point and the comma.
   }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "qorvel/platform/env.h"
+
 namespace qorvel {
 namespace {
 
@@ -27,6 +29,9 @@ TEST(NumbersTest, ParseNumberByRegion) {
       {"1x", kPoint, std::nullopt},
       {"-", kPoint, std::nullopt},
       {"1e", kPoint, std::nullopt},
+      {"1e999", kPoint, std::nullopt},
+      {"1 000", NumberSymbols{".", " "}, 1000},
+      {"2.5", kComma, 25},  // a grouping symbol, as the runtime reads it
   };
   for (const Case& c : cases) EXPECT_EQ(ParseNumber(c.text, c.symbols), c.value) << c.text;
 }
@@ -44,6 +49,8 @@ TEST(NumbersTest, FormatGeneralLikeAutomation) {
       {-2.5, "-2.5"},
       {2620, "2620"},
       {999999999999999.9, "1E+15"},
+      {-1e-300, "-1E-300"},
+      {1.23456789012345678e17, "1.23456789012346E+17"},
   };
   for (const auto& [value, text] : cases) EXPECT_EQ(FormatGeneral(value, kPoint), text) << value;
   EXPECT_EQ(FormatGeneral(-2.5, kComma), "-2,5");
@@ -70,6 +77,10 @@ TEST(NumbersTest, PicturesRoundHalfAwayOnFifteenDigits) {
       {-10, "0.000", "-10.000"},
       {1234567.891, "#,##0.00", "1,234,567.89"},
       {999.9999999, "0.######", "1000."},
+      {0.1 + 0.2, "0.################", "0.3"},
+      {-0.4, "0", "0"},
+      {1e20, "#,##0", "100,000,000,000,000,000,000"},
+      {0.5, "#", "1"},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(FormatPattern(c.value, c.picture, kPoint), c.text) << c.value << " " << c.picture;
@@ -82,6 +93,35 @@ TEST(NumbersTest, NumberPrefixIgnoresTheRegion) {
       {"12", 12},       {"Components:", 0}, {"12abc", 12},  {"0.001", 0.001}, {"", 0},
       {"  -3.5", -3.5}, {"1,5", 1},         {"2E3x", 2000}, {"7E", 7},        {".5", 0.5}};
   for (const auto& [text, value] : cases) EXPECT_EQ(ReadNumberPrefix(text), value) << text;
+}
+
+TEST(NumbersTest, RegionalSymbolsComeFromTheRegistry) {
+  ScopedEnv scoped;
+  Registry& registry = scoped.env().registry();
+  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", ".");
+  SetDecimalSymbol(registry, ",");
+  EXPECT_EQ(CurrentNumberSymbols().decimal, ",");
+  EXPECT_EQ(FormatGeneral(2.5), "2,5");
+  EXPECT_EQ(FormatPattern(1234.5, "#,##0.00"), "1.234,50");
+  EXPECT_EQ(ParseNumber("1.234,5"), 1234.5);
+  EXPECT_EQ(ReadNumberPrefix("2,5"), 2) << "the prefix reader keeps the point";
+
+  registry.DeleteValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal");
+  registry.SetDword(HKEY_CURRENT_USER, kInternationalKey, "sThousand", 7);
+  EXPECT_EQ(CurrentNumberSymbols().decimal, ".") << "no value: the point";
+  EXPECT_EQ(CurrentNumberSymbols().thousand, ",") << "not text: the comma";
+}
+
+TEST(NumbersTest, SeedingKeepsWhatTheUserSet) {
+  Registry registry;
+  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sDecimal", ",");
+  SeedNumberSymbols(registry);
+  EXPECT_EQ(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal")->data,
+            (std::vector<uint8_t>{',', 0}));
+  const auto thousand = registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand");
+  ASSERT_TRUE(thousand.has_value());
+  EXPECT_EQ(thousand->type, REG_SZ);
+  EXPECT_EQ(thousand->data.size(), 2u) << "one symbol and its terminator";
 }
 
 }  // namespace

@@ -82,14 +82,11 @@ std::vector<RegOp> Parser::Parse(std::string_view text) {
     pos = end + 1;
     ++number;
     if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
-    if (logical.empty()) {
-      logical_start = number;
-      raw = TrimBlanks(raw);
-    } else {
-      raw = TrimBlanks(raw);  // a continuation's leading blanks don't count
-    }
-    // A value line ending in a backslash goes on in the next line.
-    if (!raw.empty() && raw.back() == '\\' && raw.front() != '[') {
+    if (logical.empty()) logical_start = number;
+    raw = TrimBlanks(raw);  // a continuation's leading blanks don't count either
+    // A value line ending in a backslash goes on in the next line; key lines and comments don't.
+    const bool starts_value = !logical.empty() || (!raw.empty() && raw[0] != '[' && raw[0] != ';');
+    if (starts_value && !raw.empty() && raw.back() == '\\') {
       logical.append(raw.substr(0, raw.size() - 1));
       if (pos <= text.size()) continue;
     } else {

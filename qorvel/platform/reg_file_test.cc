@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/registry.h"
 
@@ -88,6 +91,10 @@ TEST(RegFileTest, RefusesMalformedFilesWholeWithTheLine) {
       {"REGEDIT4\n[HKLM\\X\n", "m.reg: line 2: key line without its closing ']'"},
       {"REGEDIT4\n[HKLM\\X]\n\"v\"=\"open\n", "m.reg: line 3: text without its closing quote"},
       {"REGEDIT4\n[HKLM\\X]\n\"v\" \"x\"\n", "m.reg: line 3: expected '='"},
+      {"REGEDIT4\n[-HKLM\\X]\n\"v\"=\"x\"\n", "m.reg: line 3: value under a deleted key"},
+      {"REGEDIT4\n[HKLM\\X]\n\"v\"=\"a\\q\"\n", "m.reg: line 3: unknown escape"},
+      {"REGEDIT4\n[HKLM\\X]\n\"v\"=str:x\n", "m.reg: line 3: unknown value data"},
+      {"", "m.reg: line 1: empty file"},
   };
   for (const auto& [text, message] : cases) {
     Registry registry;
@@ -110,6 +117,56 @@ TEST(RegFileTest, MissingFileIsError53) {
   } catch (const Error& e) {
     EXPECT_EQ(e.number(), 53);
   }
+}
+
+TEST(RegFileTest, LinesContinueCommentsAndKeysDoNot) {
+  Registry registry;
+  registry.LoadRegText(
+      "\xEF\xBB\xBFREGEDIT4\n"
+      "[HKEY_CURRENT_USER\\K]\n"
+      "; a comment ending in a backslash \\\n"
+      "\"A\"=hex:01,\\\n"
+      "\t  02,\\\n"
+      "  03\n"
+      "\"B\" = dword:00000001\n",
+      "c.reg");
+  EXPECT_EQ(registry.GetValue(HKEY_CURRENT_USER, "K", "A"), (RegValue{REG_BINARY, {1, 2, 3}}));
+  EXPECT_EQ(registry.GetValue(HKEY_CURRENT_USER, "K", "B"), (RegValue{REG_DWORD, {1, 0, 0, 0}}));
+}
+
+TEST(RegFileTest, KeyDeletionSparesSiblingsThatSortInside) {
+  Registry registry;
+  for (const char* key : {"App", "App\\Sub", "App2", "App2\\Sub"}) {
+    registry.SetString(HKEY_LOCAL_MACHINE, key, "v", "1");
+  }
+  registry.LoadRegText("REGEDIT4\n[-HKLM\\App]\n", "d.reg");
+  EXPECT_FALSE(registry.KeyExists(HKEY_LOCAL_MACHINE, "App\\Sub"));
+  EXPECT_TRUE(registry.KeyExists(HKEY_LOCAL_MACHINE, "App2\\Sub"));
+}
+
+TEST(RegFileTest, MalformedFileLeavesExistingValuesAlone) {
+  Registry registry;
+  registry.SetString(HKEY_CURRENT_USER, "Keep", "v", "old");
+  const std::string text =
+      "REGEDIT4\n[-HKCU\\Keep]\n[HKCU\\Keep]\n\"v\"=\"new\"\n\"w\"=hex(zz):00\n";
+  try {
+    registry.LoadRegText(text, "bad.reg");
+    FAIL();
+  } catch (const Error& e) {
+    EXPECT_EQ(e.description(), "bad.reg: line 5: bad hex(n): type");
+  }
+  EXPECT_EQ(registry.GetValue(HKEY_CURRENT_USER, "Keep", "v"),
+            (RegValue{REG_SZ, Bytes(std::string_view("old\0", 4))}));
+}
+
+TEST(RegFileTest, LoadsFromDisk) {
+  const std::string path = ::testing::TempDir() + "reg_file_test.reg";
+  std::ofstream(path, std::ios::binary) << "REGEDIT4\r\n[HKCR\\.txt]\r\n@=\"txtfile\"\r\n";
+  Registry registry;
+  registry.LoadRegFile(path);
+  std::remove(path.c_str());
+  EXPECT_EQ(registry.GetValue(HKEY_CLASSES_ROOT, ".TXT", ""),
+            (RegValue{REG_SZ, Bytes(std::string_view("txtfile\0", 8))}));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "qorvel/platform/registry.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 
@@ -28,6 +30,23 @@ std::string RootPath(HKEY root) {
   char text[16];
   std::snprintf(text, sizeof text, "%08X", root);
   return text;
+}
+
+// The long name of a root for paths shown to people; the stored form is the root's number.
+std::string RootName(HKEY root) {
+  switch (root) {
+    case HKEY_CLASSES_ROOT:
+      return "HKEY_CLASSES_ROOT";
+    case HKEY_CURRENT_USER:
+      return "HKEY_CURRENT_USER";
+    case HKEY_LOCAL_MACHINE:
+      return "HKEY_LOCAL_MACHINE";
+    case HKEY_USERS:
+      return "HKEY_USERS";
+    case HKEY_CURRENT_CONFIG:
+      return "HKEY_CURRENT_CONFIG";
+  }
+  return RootPath(root);
 }
 
 }  // namespace
@@ -65,18 +84,20 @@ std::string Registry::PathOf(HKEY root, std::string_view key) const {
 }
 
 Registry::KeyData& Registry::MakeKey(const std::string& path) {
+  if (path.empty()) throw Error(err::kInvalidCall, "Invalid procedure call or argument");
   for (size_t pos = path.find('\\'); pos != std::string::npos; pos = path.find('\\', pos + 1)) {
     keys_[path.substr(0, pos)];
   }
   return keys_[path];
 }
 
+// Keys below `path` sort together after "path\\", but not right after `path` itself: a sibling
+// such as "path2" sorts in between, so the subtree is found by its own prefix.
 void Registry::DeleteTree(const std::string& path) {
-  auto it = keys_.lower_bound(path);
-  while (it != keys_.end() && it->first.compare(0, path.size(), path) == 0 &&
-         (it->first.size() == path.size() || it->first[path.size()] == '\\')) {
-    it = keys_.erase(it);
-  }
+  keys_.erase(path);
+  const std::string prefix = path + "\\";
+  auto it = keys_.lower_bound(prefix);
+  while (it != keys_.end() && it->first.starts_with(prefix)) it = keys_.erase(it);
 }
 
 int32_t Registry::RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) {
@@ -182,10 +203,12 @@ bool Registry::KeyExists(HKEY root, std::string_view key) const {
 std::vector<std::string> Registry::KeysBelow(HKEY root, std::string_view key) const {
   std::lock_guard lock(mu_);
   const std::string path = PathOf(root, key);
+  const std::string prefix = path + "\\";
   std::vector<std::string> out;
-  for (auto it = keys_.upper_bound(path);
-       it != keys_.end() && it->first.compare(0, path.size() + 1, path + "\\") == 0; ++it) {
-    out.push_back(it->first);
+  for (auto it = keys_.lower_bound(prefix); it != keys_.end() && it->first.starts_with(prefix);
+       ++it) {
+    const HKEY root_of_key = static_cast<HKEY>(std::stoul(it->first.substr(0, 8), nullptr, 16));
+    out.push_back(RootName(root_of_key) + it->first.substr(8));
   }
   return out;
 }

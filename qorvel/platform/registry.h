@@ -65,7 +65,8 @@ class Registry {
   void DeleteValue(HKEY root, std::string_view key, std::string_view name);
   std::optional<RegValue> GetValue(HKEY root, std::string_view key, std::string_view name) const;
   bool KeyExists(HKEY root, std::string_view key) const;
-  // Every key below `key` that holds anything, as full paths; for tests of what was written.
+  // Every key below `key`, as full upper-cased paths ("HKEY_CURRENT_USER\\A\\B"); for tests of
+  // what was written. Writes below an unknown root raise error 5.
   std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const;
 
   // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
