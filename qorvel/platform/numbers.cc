@@ -115,6 +115,7 @@ std::string FormatGeneral(double value, const NumberSymbols& symbols) {
 }
 
 std::string FormatPattern(double value, std::string_view picture, const NumberSymbols& symbols) {
+  if (!std::isfinite(value)) return FormatGeneral(value, symbols);  // no digits to picture
   const size_t point = picture.find('.');
   const std::string_view whole_part = picture.substr(0, point);
   const std::string_view frac_part =
@@ -128,7 +129,7 @@ std::string FormatPattern(double value, std::string_view picture, const NumberSy
   // Round half away from zero on the 15-digit text, to max_frac places.
   std::string digits = "0";
   int int_len = 1;  // digits in front of the decimal point
-  if (value != 0 && std::isfinite(value)) {
+  if (value != 0) {
     Digits d = SignificantDigits(std::fabs(value));
     int keep = d.exponent + 1 + max_frac;  // digits that stay
     if (keep < 0) {

@@ -101,13 +101,14 @@ void Registry::DeleteTree(const std::string& path) {
 }
 
 int32_t Registry::RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) {
+  if (result == nullptr) return ERROR_INVALID_PARAMETER;
   std::lock_guard lock(mu_);
   const std::string path = PathOf(root, sub_key);
   if (path.empty()) return ERROR_INVALID_HANDLE;
   if (path.find('\\') != std::string::npos && !keys_.contains(path)) return ERROR_FILE_NOT_FOUND;
   const HKEY handle = next_handle_++;
   handles_[handle] = path;
-  if (result) *result = handle;
+  *result = handle;
   return ERROR_SUCCESS;
 }
 

@@ -59,6 +59,8 @@ TEST_F(RegistryTest, HandlesFailOnceClosedOrUnknown) {
   HKEY other = 0;
   EXPECT_EQ(registry_.RegOpenKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE\\Nowhere", &other),
             ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(registry_.RegOpenKeyA(HKEY_LOCAL_MACHINE, "SOFTWARE", nullptr),
+            ERROR_INVALID_PARAMETER);
   EXPECT_EQ(registry_.open_handles(), 0);
   EXPECT_EQ(registry_.close_calls(), 2);
 }
