@@ -6,6 +6,7 @@
 
 #include "hosts/simulators.h"
 #include "qorvel/frame/dispatch_face.h"
+#include "qorvel/frame/registration.h"
 #include "qorvel/frame/type_library.h"
 #include "qorvel/machining/tarvik3_face.h"
 #include "qorvel/platform/env.h"
@@ -73,6 +74,22 @@ int Repl(lua_State* L) {
   return 0;
 }
 
+// The in-process server calls, by their results: 0 for S_OK, 1 for S_FALSE.
+void OpenServer(lua_State* L) {
+  lua_register(L, "RegisterServer", [](lua_State* L) {
+    lua_pushinteger(L, qorvel::DllRegisterServer());
+    return 1;
+  });
+  lua_register(L, "UnregisterServer", [](lua_State* L) {
+    lua_pushinteger(L, qorvel::DllUnregisterServer());
+    return 1;
+  });
+  lua_register(L, "CanUnloadNow", [](lua_State* L) {
+    lua_pushboolean(L, qorvel::DllCanUnloadNow() == qorvel::S_OK);
+    return 1;
+  });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -80,6 +97,7 @@ int main(int argc, char** argv) {
   qorvel::hosts::InstallSimulatedHosts();
   qorvel::RegisterClassFactory("Zebrin", qorvel::NewZebrinObject);
   qorvel::RegisterClassFactory("Tarvik3", qorvel::NewTarvik3Object);
+  qorvel::DllRegisterServer();
 
   lua_State* L = luaL_newstate();
   luaL_openlibs(L);
@@ -87,6 +105,7 @@ int main(int argc, char** argv) {
   qvsh::OpenObjects(L);
   qvsh::OpenSimulators(L);
   OpenEnumerations(L);
+  OpenServer(L);
 
   int code = 0;
   if (argc > 1) {

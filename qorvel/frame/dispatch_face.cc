@@ -3,6 +3,8 @@
 #include <cctype>
 #include <mutex>
 
+#include "qorvel/frame/registration.h"
+#include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/safe_array.h"
 
@@ -59,7 +61,11 @@ std::string Lower(std::string_view text) {
 
 ClassObject::ClassObject(std::string_view class_name)
     : class_(TheTypeLibrary().FindClass(class_name)),
-      interface_(TheTypeLibrary().FindInterface(class_->default_interface)) {}
+      interface_(TheTypeLibrary().FindInterface(class_->default_interface)) {
+  ObjectCreated();
+}
+
+ClassObject::~ClassObject() { ObjectDestroyed(); }
 
 void ClassObject::Bind(std::string_view name, MemberKind kind, Handler handler) {
   handlers_[FindMember(*interface_, name, kind)] = std::move(handler);
@@ -128,18 +134,25 @@ Variant ClassObject::InvokeId(int32_t dispid, CallKind kind, std::span<Variant> 
 
 void RegisterClassFactory(const std::string& class_name, std::function<AutomationObject()> make) {
   std::lock_guard lock(factories_mu);
-  factories[Lower("QorvelOLE." + class_name)] = std::move(make);
+  factories[Lower(class_name)] = std::move(make);
+}
+
+std::function<AutomationObject()> FactoryOf(const std::string& class_name) {
+  std::lock_guard lock(factories_mu);
+  auto it = factories.find(Lower(class_name));
+  return it == factories.end() ? nullptr : it->second;
 }
 
 AutomationObject CreateObject(std::string_view prog_id) {
-  std::function<AutomationObject()> make;
-  {
-    std::lock_guard lock(factories_mu);
-    auto it = factories.find(Lower(prog_id));
-    if (it == factories.end()) Raise(err::kCantCreate);
-    make = it->second;
+  const std::optional<RegValue> clsid =
+      Env::Current().registry().GetValue(HKEY_CLASSES_ROOT, std::string(prog_id) + "\\CLSID", "");
+  if (!clsid || clsid->data.empty()) Raise(err::kCantCreate);
+  const std::string text(clsid->data.begin(), clsid->data.end() - 1);
+  for (const ClassInfo& c : TheTypeLibrary().classes) {
+    ClassFactory factory;
+    if (ToString(c.guid) == text && DllGetClassObject(c.guid, &factory) == S_OK) return factory();
   }
-  return make();
+  Raise(err::kCantCreate);
 }
 
 }  // namespace qorvel

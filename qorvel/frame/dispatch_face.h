@@ -26,6 +26,7 @@ class ClassObject : public Dispatch {
   using Handler = std::function<Variant(Args&)>;
 
   explicit ClassObject(std::string_view class_name);
+  ~ClassObject() override;
 
   Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) override;
   Variant InvokeId(int32_t dispid, CallKind kind, std::span<Variant> args);
@@ -47,12 +48,14 @@ class ClassObject : public Dispatch {
   std::map<const MemberInfo*, Handler> handlers_;
 };
 
-// Creates a published class by its programmatic name ("QorvelOLE.Zebrin"); 429 when the name
-// isn't registered or the class isn't built yet.
+// Creates a published class by its programmatic name ("QorvelOLE.Zebrin"), found through the
+// registry as a client's runtime finds it; 429 when the name isn't registered or the class
+// isn't built yet.
 AutomationObject CreateObject(std::string_view prog_id);
 
-// Makes a class creatable by CreateObject.
+// Makes a built class creatable; FactoryOf gives an empty function for a class not built.
 void RegisterClassFactory(const std::string& class_name, std::function<AutomationObject()> make);
+std::function<AutomationObject()> FactoryOf(const std::string& class_name);
 
 }  // namespace qorvel
 

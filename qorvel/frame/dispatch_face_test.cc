@@ -4,6 +4,7 @@
 
 #include "hosts/simulators.h"
 #include "qorvel/frame/host_link.h"
+#include "qorvel/frame/registration.h"
 #include "qorvel/machining/tarvik3_face.h"
 #include "qorvel/platform/collection.h"
 #include "qorvel/platform/env.h"
@@ -95,6 +96,8 @@ TEST_F(DispatchFaceTest, ReleasingTheLastReferenceTerminates) {
 
 TEST_F(DispatchFaceTest, CreateObjectByProgrammaticName) {
   RegisterClassFactory("Zebrin", NewZebrinObject);
+  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);  // not registered yet
+  DllRegisterServer();
   auto object = CreateObject("qorvelole.zebrin");
   EXPECT_EQ(std::dynamic_pointer_cast<ClassObject>(object)->class_info().name, "Zebrin");
   EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.ValueBox"); }), 429);

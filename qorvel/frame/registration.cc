@@ -1,0 +1,111 @@
+#include "qorvel/frame/registration.h"
+
+#include <atomic>
+
+#include "qorvel/frame/dispatch_face.h"
+#include "qorvel/platform/env.h"
+
+namespace qorvel {
+namespace {
+
+constexpr const char* kServerFile = "QorvelOLE.ocx";
+// The automation marshaler that proxies every dual interface.
+constexpr const char* kOleAutomationProxy = "{00020424-0000-0000-C000-000000000046}";
+constexpr const char* kLibraryFlagControl = "2";
+
+std::atomic<int> live_objects{0};
+std::atomic<int> locks{0};
+
+void Set(const std::string& key, const std::string& name, const std::string& text) {
+  Env::Current().registry().SetString(HKEY_CLASSES_ROOT, key, name, text);
+}
+
+void RegisterClass(const TypeLibrary& lib, const ClassInfo& c) {
+  const std::string clsid = ToString(c.guid);
+  const std::string key = "CLSID\\" + clsid;
+  const std::string prog_id = lib.name + "." + c.name;
+  Set(key, "", c.name);
+  Set(key + "\\InprocServer32", "", kServerFile);
+  Set(key + "\\InprocServer32", "ThreadingModel", "Apartment");
+  Set(key + "\\ProgID", "", prog_id);
+  Set(key + "\\TypeLib", "", ToString(lib.guid));
+  Set(key + "\\Version", "", "1.0");
+  if (c.control) {
+    Env::Current().registry().CreateKey(HKEY_CLASSES_ROOT, key + "\\Control");
+    Set(key + "\\ToolboxBitmap32", "",
+        std::string(kServerFile) + ", " + std::to_string(c.toolbox_bitmap));
+    Set(key + "\\MiscStatus", "", "0");
+    Set(key + "\\MiscStatus\\1", "", std::to_string(c.misc_status));
+  }
+  Set(prog_id, "", c.name);
+  Set(prog_id + "\\CLSID", "", clsid);
+}
+
+// Removes a parent key that registering may have made, once nothing is left in it.
+void DropIfEmpty(const std::string& key) {
+  Registry& registry = Env::Current().registry();
+  HKEY handle = 0;
+  if (registry.RegOpenKeyA(HKEY_CLASSES_ROOT, key, &handle) != ERROR_SUCCESS) return;
+  uint32_t size = 0;
+  const bool has_default =
+      registry.RegQueryValueExA(handle, "", nullptr, nullptr, nullptr, &size) == ERROR_SUCCESS;
+  registry.RegCloseKey(handle);
+  if (!has_default && registry.KeysBelow(HKEY_CLASSES_ROOT, key).empty()) {
+    registry.DeleteKey(HKEY_CLASSES_ROOT, key);
+  }
+}
+
+}  // namespace
+
+int32_t DllRegisterServer() {
+  const TypeLibrary& lib = TheTypeLibrary();
+  const std::string lib_key = "TypeLib\\" + ToString(lib.guid) + "\\1.0";
+  Set(lib_key, "", lib.help_string);
+  Set(lib_key + "\\0\\win32", "", kServerFile);
+  Set(lib_key + "\\FLAGS", "", kLibraryFlagControl);
+  Set(lib_key + "\\HELPDIR", "", "");
+  for (const ClassInfo& c : lib.classes) RegisterClass(lib, c);
+  for (const InterfaceInfo& i : lib.interfaces) {
+    const std::string key = "Interface\\" + ToString(i.guid);
+    Set(key, "", i.name);
+    Set(key + "\\ProxyStubClsid32", "", kOleAutomationProxy);
+    Set(key + "\\TypeLib", "", ToString(lib.guid));
+    Set(key + "\\TypeLib", "Version", "1.0");
+  }
+  return S_OK;
+}
+
+int32_t DllUnregisterServer() {
+  const TypeLibrary& lib = TheTypeLibrary();
+  Registry& registry = Env::Current().registry();
+  registry.DeleteKey(HKEY_CLASSES_ROOT, "TypeLib\\" + ToString(lib.guid));
+  for (const ClassInfo& c : lib.classes) {
+    registry.DeleteKey(HKEY_CLASSES_ROOT, "CLSID\\" + ToString(c.guid));
+    registry.DeleteKey(HKEY_CLASSES_ROOT, lib.name + "." + c.name);
+  }
+  for (const InterfaceInfo& i : lib.interfaces) {
+    registry.DeleteKey(HKEY_CLASSES_ROOT, "Interface\\" + ToString(i.guid));
+  }
+  for (const char* parent : {"TypeLib", "CLSID", "Interface"}) DropIfEmpty(parent);
+  return S_OK;
+}
+
+int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory) {
+  for (const ClassInfo& c : TheTypeLibrary().classes) {
+    if (c.guid == clsid) {
+      ClassFactory found = FactoryOf(c.name);
+      if (!found) return CLASS_E_CLASSNOTAVAILABLE;
+      if (factory) *factory = std::move(found);
+      return S_OK;
+    }
+  }
+  return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+int32_t DllCanUnloadNow() { return live_objects == 0 && locks == 0 ? S_OK : S_FALSE; }
+
+void LockServer(bool lock) { locks += lock ? 1 : -1; }
+void ObjectCreated() { ++live_objects; }
+void ObjectDestroyed() { --live_objects; }
+
+}  // namespace qorvel

@@ -1,0 +1,36 @@
+#ifndef QORVEL_FRAME_REGISTRATION_H_
+#define QORVEL_FRAME_REGISTRATION_H_
+
+#include <cstdint>
+#include <functional>
+
+#include "qorvel/frame/type_library.h"
+#include "qorvel/platform/variant.h"
+
+namespace qorvel {
+
+inline constexpr int32_t S_OK = 0;
+inline constexpr int32_t S_FALSE = 1;
+inline constexpr int32_t CLASS_E_CLASSNOTAVAILABLE = static_cast<int32_t>(0x80040111);
+
+using ClassFactory = std::function<AutomationObject()>;
+
+// The in-process server protocol, on the platform registry. Registering writes the type
+// library, the seven classes (programmatic names "QorvelOLE.<class>", apartment-threaded) and
+// the interfaces under HKEY_CLASSES_ROOT; unregistering removes exactly that.
+int32_t DllRegisterServer();
+int32_t DllUnregisterServer();
+// The factory of a class identifier of the library; CLASS_E_CLASSNOTAVAILABLE for another one
+// or for a class that isn't built yet.
+int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory);
+// S_OK when no object of the library and no lock is left, S_FALSE otherwise.
+int32_t DllCanUnloadNow();
+void LockServer(bool lock);
+
+// Counts the library's live objects, for DllCanUnloadNow.
+void ObjectCreated();
+void ObjectDestroyed();
+
+}  // namespace qorvel
+
+#endif  // QORVEL_FRAME_REGISTRATION_H_
