@@ -61,7 +61,8 @@ std::string Lower(std::string_view text) {
 
 ClassObject::ClassObject(std::string_view class_name)
     : class_(TheTypeLibrary().FindClass(class_name)),
-      interface_(TheTypeLibrary().FindInterface(class_->default_interface)) {
+      interface_(TheTypeLibrary().FindInterface(class_->default_interface)),
+      shell_(class_name) {
   ObjectCreated();
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "qorvel/frame/control_shell.h"
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/dispatch.h"
 
@@ -34,8 +35,13 @@ class ClassObject : public Dispatch {
 
   const ClassInfo& class_info() const { return *class_; }
   const InterfaceInfo& interface_info() const { return *interface_; }
+  // The control's shell, sited in its container; a plain class has one it doesn't use.
+  ControlShell& shell() { return shell_; }
 
  protected:
+  // A control's creation as the container does it: Initialize (the caller's), then an extent
+  // and its Resize.
+  void Site() { shell_.SetExtent(2400, 2400); }
   // Binds a member's row to the code that runs it.
   void Bind(std::string_view name, MemberKind kind, Handler handler);
 
@@ -45,6 +51,7 @@ class ClassObject : public Dispatch {
 
   const ClassInfo* class_;
   const InterfaceInfo* interface_;
+  ControlShell shell_;
   std::map<const MemberInfo*, Handler> handlers_;
 };
 

@@ -13,6 +13,7 @@ class Tarvik3Object : public ClassObject {
  public:
   Tarvik3Object() : ClassObject("Tarvik3") {
     t_.Initialize();
+    Site();
     BindSession();
     BindBlock();
     BindLists();

@@ -13,6 +13,7 @@ class ZebrinObject : public ClassObject {
  public:
   ZebrinObject() : ClassObject("Zebrin") {
     z_.Initialize();
+    Site();
     Bind("Connect", K::kMethod, [this](Args& a) {
       z_.Connect(a[0].ToLong());
       return Variant();
