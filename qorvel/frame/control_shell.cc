@@ -1,5 +1,6 @@
 #include "qorvel/frame/control_shell.h"
 
+#include "qorvel/frame/pictures.h"
 #include "qorvel/frame/type_library.h"
 
 namespace qorvel {
@@ -10,6 +11,9 @@ ControlShell::ControlShell(std::string_view class_name)
   if (SameNameNoCase(class_name, "UlmoraNearestPoints") ||
       SameNameNoCase(class_name, "UlmoraSurfaceInfo")) {
     Image1 = Image{};
+    Image1->Picture = ControlPicture(class_name);
+  } else if (host_control_) {
+    user_control.Picture = ControlPicture(class_name);
   }
 }
 

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -21,12 +22,14 @@ struct Container {
 struct UserControl {
   float Width = 0;
   float Height = 0;
+  std::span<const uint8_t> Picture;  // the design-time picture, drawn from the top left
 };
 struct Image {
   float Left = 0;
   float Top = 0;
   float Width = 480;  // 32 pixels at 15 twips to the pixel
   float Height = 480;
+  std::span<const uint8_t> Picture;
 };
 
 // The shell every control shares: its size rules and its container. Host controls keep 500 by

@@ -26,6 +26,8 @@ TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
     shell.SetExtent(1234, 321);
     EXPECT_EQ(shell.user_control.Width, c.width) << c.control;
     EXPECT_EQ(shell.user_control.Height, c.height) << c.control;
+    EXPECT_EQ(shell.user_control.Picture.empty() && !shell.Image1,
+              std::string(c.control) == "ValueBox");
     shell.Resize();  // a resize caused by the handler's own change ends in the same place
     EXPECT_EQ(shell.user_control.Width, c.width) << c.control;
   }
