@@ -18,42 +18,48 @@ using qorvel::Variant;
 
 constexpr const char* kObjectMeta = "qvsh.object";
 
+int CallMethodUnguarded(lua_State* L);
+
 // Calls a member with the Lua arguments from `first` on. By-reference parameters of a typed
-// member get variables of their own, whose final values follow the result.
+// member get variables of their own, whose final values follow the result. Raises C++ errors:
+// callers run it inside Guarded.
 int CallWith(lua_State* L, const AutomationObject& object, const std::string& member, CallKind kind,
              int first) {
-  return Guarded(L, [&] {
-    const int count = lua_gettop(L) - first + 1;
-    std::vector<Variant> values(count > 0 ? count : 0);
-    for (int i = 0; i < count; ++i) values[i] = ToVariant(L, first + i);
-    std::vector<bool> by_ref(values.size(), false);
-    if (auto* typed = dynamic_cast<qorvel::ClassObject*>(object.get())) {
-      for (const auto& m : typed->interface_info().members) {
-        if (qorvel::SameNameNoCase(m.name, member)) {
-          for (size_t i = 0; i < m.params.size() && i < by_ref.size(); ++i) {
-            by_ref[i] = m.params[i].by_ref;
-          }
-          break;
+  const int count = lua_gettop(L) - first + 1;
+  std::vector<Variant> values(count > 0 ? count : 0);
+  for (int i = 0; i < count; ++i) values[i] = ToVariant(L, first + i);
+  std::vector<bool> by_ref(values.size(), false);
+  if (auto* typed = dynamic_cast<qorvel::ClassObject*>(object.get())) {
+    for (const auto& m : typed->interface_info().members) {
+      if (qorvel::SameNameNoCase(m.name, member)) {
+        for (size_t i = 0; i < m.params.size() && i < by_ref.size(); ++i) {
+          by_ref[i] = m.params[i].by_ref;
         }
+        break;
       }
     }
-    std::vector<Variant> args(values.size());
-    for (size_t i = 0; i < values.size(); ++i) {
-      args[i] = by_ref[i] ? Variant::Ref(values[i]) : values[i];
-    }
-    const Variant result = object->Invoke(member, kind, args);
-    PushVariant(L, result);
-    int pushed = 1;
-    for (size_t i = 0; i < values.size(); ++i) {
-      if (!by_ref[i]) continue;
-      PushVariant(L, values[i]);
-      ++pushed;
-    }
-    return pushed;
-  });
+  }
+  std::vector<Variant> args(values.size());
+  for (size_t i = 0; i < values.size(); ++i) {
+    args[i] = by_ref[i] ? Variant::Ref(values[i]) : values[i];
+  }
+  const Variant result = object->Invoke(member, kind, args);
+  PushVariant(L, result);
+  int pushed = 1;
+  for (size_t i = 0; i < values.size(); ++i) {
+    if (!by_ref[i]) continue;
+    PushVariant(L, values[i]);
+    ++pushed;
+  }
+  return pushed;
 }
 
 int CallMethod(lua_State* L) {
+  return Guarded(L, [&] { return CallMethodUnguarded(L); });
+}
+
+// Everything with a destructor lives in the guarded part: Lua's errors unwind with longjmp.
+int CallMethodUnguarded(lua_State* L) {
   const AutomationObject object = CheckObject(L, 1);
   const std::string member = lua_tostring(L, lua_upvalueindex(1));
   const bool put = lua_toboolean(L, lua_upvalueindex(2));
@@ -65,7 +71,7 @@ int CallMethod(lua_State* L) {
   return CallWith(L, object, member, kind, 2);
 }
 
-int Index(lua_State* L) {
+int IndexUnguarded(lua_State* L) {
   const AutomationObject object = CheckObject(L, 1);
   const std::string key = luaL_checkstring(L, 2);
   MemberShape shape = object->Shape(key);
@@ -76,9 +82,7 @@ int Index(lua_State* L) {
     shape = object->Shape(member);
     put = shape == MemberShape::kIndexedProperty || shape == MemberShape::kProperty;
   }
-  if (shape == MemberShape::kMissing) {
-    return Guarded(L, [&]() -> int { throw qorvel::Error(qorvel::err::kNoMember); });
-  }
+  if (shape == MemberShape::kMissing) throw qorvel::Error(qorvel::err::kNoMember);
   if (shape == MemberShape::kProperty && !put) {
     lua_settop(L, 1);
     return CallWith(L, object, member, CallKind::kPropertyGet, 2);
@@ -89,12 +93,18 @@ int Index(lua_State* L) {
   return 1;
 }
 
+int Index(lua_State* L) {
+  return Guarded(L, [&] { return IndexUnguarded(L); });
+}
+
 int NewIndex(lua_State* L) {
-  const AutomationObject object = CheckObject(L, 1);
-  const std::string member = luaL_checkstring(L, 2);
-  lua_remove(L, 2);
-  CallWith(L, object, member, CallKind::kPropertyPut, 2);
-  return 0;
+  return Guarded(L, [&] {
+    const AutomationObject object = CheckObject(L, 1);
+    const std::string member = luaL_checkstring(L, 2);
+    lua_remove(L, 2);
+    CallWith(L, object, member, CallKind::kPropertyPut, 2);
+    return 0;
+  });
 }
 
 int Gc(lua_State* L) {
@@ -131,16 +141,14 @@ void OpenObjects(lua_State* L) {
   luaL_setfuncs(L, meta, 0);
   lua_pop(L, 1);
   lua_register(L, "CreateObject", [](lua_State* L) {
-    const std::string prog_id = luaL_checkstring(L, 1);
     return Guarded(L, [&] {
-      PushObject(L, qorvel::CreateObject(prog_id));
+      PushObject(L, qorvel::CreateObject(luaL_checkstring(L, 1)));
       return 1;
     });
   });
   lua_register(L, "GetObject", [](lua_State* L) {
-    const std::string class_name = luaL_checkstring(L, 1);
     return Guarded(L, [&] {
-      PushObject(L, qorvel::Env::Current().running_objects().BindRunning(class_name));
+      PushObject(L, qorvel::Env::Current().running_objects().BindRunning(luaL_checkstring(L, 1)));
       return 1;
     });
   });

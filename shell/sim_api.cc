@@ -73,9 +73,8 @@ const luaL_Reg kSim[] = {
      }},
     {"SetVersion",
      [](lua_State* L) {
-       auto host = CheckHost(L, 1);
        return Guarded(L, [&] {
-         host->set_version(ToVariant(L, 2));
+         CheckHost(L, 1)->set_version(ToVariant(L, 2));
          return 0;
        });
      }},
@@ -136,11 +135,8 @@ const luaL_Reg kSim[] = {
      }},
     {"SetActive",
      [](lua_State* L) {
-       auto host = CheckTarvik(L, 1);
-       const auto kind = CheckKind(L, 2);
-       const std::string name = luaL_checkstring(L, 3);
        return Guarded(L, [&] {
-         host->SetActive(kind, name);
+         CheckTarvik(L, 1)->SetActive(CheckKind(L, 2), luaL_checkstring(L, 3));
          return 0;
        });
      }},
@@ -154,9 +150,8 @@ void OpenSimulators(lua_State* L) {
 
   lua_newtable(L);
   lua_pushcfunction(L, [](lua_State* L) {
-    const std::string path = luaL_checkstring(L, 1);
     return Guarded(L, [&] {
-      qorvel::Env::Current().registry().LoadRegFile(path);
+      qorvel::Env::Current().registry().LoadRegFile(luaL_checkstring(L, 1));
       return 0;
     });
   });
