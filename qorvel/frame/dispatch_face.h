@@ -45,6 +45,30 @@ class ClassObject : public Dispatch {
   // Binds a member's row to the code that runs it.
   void Bind(std::string_view name, MemberKind kind, Handler handler);
 
+  // The session members that the host controls share, bound alike on each.
+  template <class Control>
+  void BindSession(Control& c) {
+    using K = MemberKind;
+    Bind("Connect", K::kMethod, [&c](Args& a) { return Done([&] { c.Connect(a[0].ToLong()); }); });
+    Bind("Execute", K::kMethod, [&c](Args& a) { return Done([&] { c.Execute(a[0].ToText()); }); });
+    Bind("ExecuteEx", K::kMethod, [&c](Args& a) { return Variant(c.ExecuteEx(a[0].ToText())); });
+    Bind("Disconnect", K::kMethod, [&c](Args&) { return Done([&] { c.Disconnect(); }); });
+    Bind("version", K::kGet, [&c](Args&) { return Variant(c.version()); });
+    Bind("Connected", K::kGet, [&c](Args&) { return Variant(c.Connected()); });
+    Bind("Busy", K::kGet, [&c](Args&) { return Variant(c.Busy()); });
+    Bind("WindowState", K::kGet, [&c](Args&) { return Variant(c.WindowState()); });
+    Bind("WindowState", K::kPut,
+         [&c](Args& a) { return Done([&] { c.SetWindowState(a[0].ToLong()); }); });
+    Bind("Visible", K::kGet, [&c](Args&) { return Variant(c.Visible()); });
+    Bind("Visible", K::kPut, [&c](Args& a) { return Done([&] { c.SetVisible(a[0].ToBool()); }); });
+  }
+  // Runs a member without a result.
+  template <class Body>
+  static Variant Done(Body&& body) {
+    body();
+    return Variant();
+  }
+
  private:
   const MemberInfo* Find(int32_t dispid, CallKind kind) const;
   Args Prepare(const MemberInfo& member, std::span<Variant> args) const;

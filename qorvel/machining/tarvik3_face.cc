@@ -14,49 +14,19 @@ class Tarvik3Object : public ClassObject {
   Tarvik3Object() : ClassObject("Tarvik3") {
     t_.Initialize();
     Site();
-    BindSession();
+    BindTarvikSession();
     BindBlock();
     BindLists();
   }
   ~Tarvik3Object() override { t_.Terminate(); }
 
  private:
-  void BindSession() {
-    Bind("Connect", K::kMethod, [this](Args& a) {
-      t_.Connect(a[0].ToLong());
-      return Variant();
-    });
-    Bind("Execute", K::kMethod, [this](Args& a) {
-      t_.Execute(a[0].ToText());
-      return Variant();
-    });
-    Bind("ExecuteEx", K::kMethod, [this](Args& a) { return Variant(t_.ExecuteEx(a[0].ToText())); });
-    Bind("Disconnect", K::kMethod, [this](Args&) {
-      t_.Disconnect();
-      return Variant();
-    });
-    Bind("ExitTarvik", K::kMethod, [this](Args&) {
-      t_.ExitTarvik();
-      return Variant();
-    });
-    Bind("version", K::kGet, [this](Args&) { return Variant(t_.version()); });
-    Bind("Connected", K::kGet, [this](Args&) { return Variant(t_.Connected()); });
-    Bind("Busy", K::kGet, [this](Args&) { return Variant(t_.Busy()); });
-    Bind("WindowState", K::kGet, [this](Args&) { return Variant(t_.WindowState()); });
-    Bind("WindowState", K::kPut, [this](Args& a) {
-      t_.SetWindowState(a[0].ToLong());
-      return Variant();
-    });
-    Bind("Dialogs", K::kPut, [this](Args& a) {
-      t_.SetDialogs(a[0].ToBool());
-      return Variant();
-    });
+  void BindTarvikSession() {
+    BindSession(t_);
+    Bind("ExitTarvik", K::kMethod, [this](Args&) { return Done([&] { t_.ExitTarvik(); }); });
+    Bind("Dialogs", K::kPut,
+         [this](Args& a) { return Done([&] { t_.SetDialogs(a[0].ToBool()); }); });
     Bind("Dialogs", K::kGet, [this](Args&) { return Variant(t_.Dialogs()); });
-    Bind("Visible", K::kGet, [this](Args&) { return Variant(t_.Visible()); });
-    Bind("Visible", K::kPut, [this](Args& a) {
-      t_.SetVisible(a[0].ToBool());
-      return Variant();
-    });
   }
 
   void BindBlock() {
