@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <locale>
 
 #include "qorvel/platform/env.h"
@@ -29,6 +30,94 @@ Digits SignificantDigits(double magnitude) {
   return d;
 }
 
+// The 15-digit text of a magnitude times 10^shift, rounded half away from zero to `places`
+// decimals: the whole digits without leading zeros, and exactly `places` fraction digits.
+// Shifting the text rather than the double keeps the scaling exact.
+struct Fixed {
+  std::string whole;
+  std::string frac;
+};
+
+Fixed FixedText(double magnitude, int shift, int places) {
+  if (magnitude == 0) return {"", std::string(places, '0')};
+  const Digits d = SignificantDigits(magnitude);
+  const int exponent = d.exponent + shift;
+  std::string text = exponent >= 0 ? d.digits : std::string(-exponent, '0') + d.digits;
+  size_t whole = exponent >= 0 ? exponent + 1 : 1;
+  if (text.size() <= whole + places) text.resize(whole + places + 1, '0');
+  const bool up = text[whole + places] >= '5';
+  text.resize(whole + places);
+  if (up) {
+    int i = static_cast<int>(text.size()) - 1;
+    for (; i >= 0 && text[i] == '9'; --i) text[i] = '0';
+    if (i >= 0) {
+      ++text[i];
+    } else {
+      text.insert(text.begin(), '1');
+      ++whole;
+    }
+  }
+  Fixed f{text.substr(0, whole), text.substr(whole)};
+  f.whole.erase(0, f.whole.find_first_not_of('0'));
+  return f;
+}
+
+// A picture taken apart: the literal text around its digit placeholders, and what the
+// placeholders ask for in front of and behind the point.
+struct Picture {
+  std::string prefix;
+  std::string suffix;
+  int min_whole = 0;      // '0's in front of the point
+  bool grouping = false;  // a ',' between placeholders in front of the point
+  int thousands = 0;      // ','s right before the point or the end, each dividing by 1000
+  bool point = false;
+  int min_frac = 0;  // '0's behind the point
+  int max_frac = 0;  // '0's and '#'s behind the point
+};
+
+Picture ParsePicture(std::string_view text) {
+  Picture p;
+  enum { kPrefix, kNumber, kSuffix } part = kPrefix;
+  int commas = 0;  // commas not yet followed by a placeholder
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const bool placeholder = c == '0' || c == '#';
+    const bool number = placeholder || (c == '.' && !p.point) || (c == ',' && part == kNumber);
+    if (part != kSuffix && number) {
+      part = kNumber;
+      if (c == '.') {
+        p.point = true;
+        p.thousands = commas;
+        commas = 0;
+      } else if (c == ',') {
+        if (!p.point) ++commas;
+      } else if (p.point) {
+        ++p.max_frac;
+        if (c == '0') ++p.min_frac;
+      } else {
+        p.grouping = p.grouping || commas > 0;
+        commas = 0;
+        if (c == '0') ++p.min_whole;
+      }
+      continue;
+    }
+    // Literal text: a character, one escaped by a backslash, or a quoted run.
+    std::string& literal = part == kPrefix ? p.prefix : p.suffix;
+    if (part == kNumber) part = kSuffix;
+    if (c == '\\' && i + 1 < text.size()) {
+      literal += text[++i];
+    } else if (c == '"') {
+      const size_t close = std::min(text.find('"', i + 1), text.size());
+      literal.append(text.substr(i + 1, close - i - 1));
+      i = close;
+    } else {
+      literal += c;
+    }
+  }
+  if (!p.point) p.thousands = commas;
+  return p;
+}
+
 std::string_view Trim(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
   while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
@@ -42,6 +131,20 @@ std::optional<double> ToDouble(const std::string& plain) {
   return value;
 }
 
+// "&H1F" and "&O17", read as the runtime reads hex and octal literals: a pattern of up to 16 bits
+// is an Integer and one of up to 32 bits a Long, so "&HFFFF" is -1.
+std::optional<double> ParseRadix(std::string_view text) {
+  const int base = text[1] == 'H' || text[1] == 'h' ? 16 : 8;
+  text.remove_prefix(2);
+  uint64_t bits = 0;
+  auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), bits, base);
+  if (text.empty() || ec != std::errc() || end != text.data() + text.size() || bits > 0xFFFFFFFF) {
+    return std::nullopt;
+  }
+  if (bits <= 0xFFFF) return static_cast<int16_t>(bits);
+  return static_cast<int32_t>(bits);
+}
+
 std::string TextValue(const std::optional<RegValue>& value, const char* fallback) {
   if (!value || (value->type != REG_SZ && value->type != REG_EXPAND_SZ)) return fallback;
   std::string text(value->data.begin(), value->data.end());
@@ -53,6 +156,7 @@ std::string TextValue(const std::optional<RegValue>& value, const char* fallback
 
 std::optional<double> ParseNumber(std::string_view text, const NumberSymbols& symbols) {
   text = Trim(text);
+  if (text.size() >= 2 && text[0] == '&' && std::strchr("HhOo", text[1])) return ParseRadix(text);
   std::string plain;
   if (!text.empty() && (text[0] == '+' || text[0] == '-')) {
     if (text[0] == '-') plain += '-';
@@ -115,66 +219,25 @@ std::string FormatGeneral(double value, const NumberSymbols& symbols) {
 }
 
 std::string FormatPattern(double value, std::string_view picture, const NumberSymbols& symbols) {
-  if (!std::isfinite(value)) return FormatGeneral(value, symbols);  // no digits to picture
-  const size_t point = picture.find('.');
-  const std::string_view whole_part = picture.substr(0, point);
-  const std::string_view frac_part =
-      point == std::string_view::npos ? std::string_view() : picture.substr(point + 1);
-  const int min_whole = static_cast<int>(std::count(whole_part.begin(), whole_part.end(), '0'));
-  const bool grouping = whole_part.find(',') != std::string_view::npos;
-  const int max_frac = static_cast<int>(std::count(frac_part.begin(), frac_part.end(), '0') +
-                                        std::count(frac_part.begin(), frac_part.end(), '#'));
-  const int min_frac = static_cast<int>(std::count(frac_part.begin(), frac_part.end(), '0'));
-
-  // Round half away from zero on the 15-digit text, to max_frac places.
-  std::string digits = "0";
-  int int_len = 1;  // digits in front of the decimal point
-  if (value != 0) {
-    Digits d = SignificantDigits(std::fabs(value));
-    int keep = d.exponent + 1 + max_frac;  // digits that stay
-    if (keep < 0) {
-      digits = "0";
-    } else {
-      std::string kept = d.digits.substr(0, std::min<size_t>(keep, d.digits.size()));
-      bool carry = keep < static_cast<int>(d.digits.size()) && d.digits[keep] >= '5';
-      kept.resize(keep, '0');
-      for (int i = keep - 1; carry && i >= 0; --i) {
-        if (kept[i] == '9') {
-          kept[i] = '0';
-        } else {
-          ++kept[i];
-          carry = false;
-        }
-      }
-      int exponent = d.exponent;
-      if (carry) {
-        kept.insert(kept.begin(), '1');
-        ++exponent;
-      }
-      digits = kept.empty() ? "0" : kept;
-      int_len = exponent + 1;
-      if (int_len <= 0) {  // all behind the point
-        digits = std::string(1 - int_len, '0') + digits;
-        int_len = 1;
-      }
+  // No digits to picture, or no picture: the general form.
+  if (!std::isfinite(value) || picture.empty()) return FormatGeneral(value, symbols);
+  const Picture p = ParsePicture(picture);
+  Fixed f = FixedText(std::fabs(value), -3 * p.thousands, p.max_frac);
+  while (static_cast<int>(f.frac.size()) > p.min_frac && f.frac.back() == '0') f.frac.pop_back();
+  if (static_cast<int>(f.whole.size()) < p.min_whole) {
+    f.whole.insert(0, p.min_whole - f.whole.size(), '0');
+  }
+  if (p.grouping) {
+    for (int i = static_cast<int>(f.whole.size()) - 3; i > 0; i -= 3) {
+      f.whole.insert(i, symbols.thousand);
     }
   }
-  std::string whole = digits.substr(0, int_len);
-  std::string frac = digits.size() > size_t(int_len) ? digits.substr(int_len) : "";
-  frac.resize(max_frac, '0');
-  while (static_cast<int>(frac.size()) > min_frac && frac.back() == '0') frac.pop_back();
-  const bool zero = whole.find_first_not_of('0') == std::string::npos &&
-                    frac.find_first_not_of('0') == std::string::npos;
-  whole.erase(0, std::min(whole.find_first_not_of('0'), whole.size()));
-  if (static_cast<int>(whole.size()) < min_whole) whole.insert(0, min_whole - whole.size(), '0');
-  if (grouping) {
-    for (int i = static_cast<int>(whole.size()) - 3; i > 0; i -= 3) {
-      whole.insert(i, symbols.thousand);
-    }
-  }
-  std::string out = (value < 0 && !zero) ? "-" : "";
-  out += whole;
-  if (point != std::string_view::npos) out += symbols.decimal + frac;
+  // A negative value keeps its sign even when it rounds to zero, as Format does: "-0.".
+  std::string out = value < 0 ? "-" : "";
+  out += p.prefix;
+  out += f.whole;
+  if (p.point) out += symbols.decimal + f.frac;
+  out += p.suffix;
   return out;
 }
 
@@ -212,10 +275,19 @@ double ReadNumberPrefix(std::string_view text) {
 }
 
 NumberSymbols CurrentNumberSymbols() {
+  // Asked for once per number, so the symbols are read again only when the registry changed.
+  thread_local uint64_t seen = 0;
+  thread_local NumberSymbols symbols;
   const Registry& registry = Env::Current().registry();
-  return NumberSymbols{
-      TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal"), "."),
-      TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",")};
+  const uint64_t now = registry.generation();
+  if (now != seen) {
+    symbols.decimal =
+        TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal"), ".");
+    symbols.thousand =
+        TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",");
+    seen = now;
+  }
+  return symbols;
 }
 
 std::optional<double> ParseNumber(std::string_view text) {

@@ -32,6 +32,16 @@ TEST(NumbersTest, ParseNumberByRegion) {
       {"1e999", kPoint, std::nullopt},
       {"1 000", NumberSymbols{".", " "}, 1000},
       {"2.5", kComma, 25},  // a grouping symbol, as the runtime reads it
+      {"&H1F", kPoint, 31},
+      {" &hffff ", kPoint, -1},  // 16 bits make an Integer
+      {"&H8000", kPoint, -32768},
+      {"&H10000", kPoint, 65536},
+      {"&HFFFFFFFF", kPoint, -1},  // 32 bits make a Long
+      {"&H100000000", kPoint, std::nullopt},
+      {"&O17", kPoint, 15},
+      {"&H", kPoint, std::nullopt},
+      {"&HG", kPoint, std::nullopt},
+      {"&O8", kPoint, std::nullopt},
   };
   for (const Case& c : cases) EXPECT_EQ(ParseNumber(c.text, c.symbols), c.value) << c.text;
 }
@@ -67,7 +77,8 @@ TEST(NumbersTest, PicturesRoundHalfAwayOnFifteenDigits) {
       {-3, "0.######", "-3."},
       {1234.5678915, "0.######", "1234.567892"},
       {0.0000001, "0.######", "0."},
-      {-0.0000001, "0.######", "0."},
+      {-0.0000001, "0.######", "-0."},  // the sign stays, as Format keeps it
+      {-0.0, "0.######", "0."},
       {0.0000005, "0.######", "0.000001"},
       {-2, "0", "-2"},
       {12345, "0", "12345"},
@@ -78,9 +89,20 @@ TEST(NumbersTest, PicturesRoundHalfAwayOnFifteenDigits) {
       {1234567.891, "#,##0.00", "1,234,567.89"},
       {999.9999999, "0.######", "1000."},
       {0.1 + 0.2, "0.################", "0.3"},
-      {-0.4, "0", "0"},
+      {-0.4, "0", "-0"},
       {1e20, "#,##0", "100,000,000,000,000,000,000"},
       {0.5, "#", "1"},
+      {0.4, "#", ""},
+      {0.5, "#.##", ".5"},
+      {2.5, "X=0.00", "X=2.50"},
+      {-2.5, "X=0.0", "-X=2.5"},
+      {5, "0\" mm\"", "5 mm"},
+      {0.125, "0.0\\%", "0.1%"},
+      {0.15, "0.0", "0.2"},          // 0.1499999... as a double, 0.15 as 15 digits
+      {1234567, "#,##0,", "1,235"},  // a comma before the end divides by a thousand
+      {1234567, "0,.0", "1234.6"},
+      {1e-320, "0.######", "0."},
+      {2.5, "", "2.5"},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(FormatPattern(c.value, c.picture, kPoint), c.text) << c.value << " " << c.picture;
@@ -110,6 +132,15 @@ TEST(NumbersTest, RegionalSymbolsComeFromTheRegistry) {
   registry.SetDword(HKEY_CURRENT_USER, kInternationalKey, "sThousand", 7);
   EXPECT_EQ(CurrentNumberSymbols().decimal, ".") << "no value: the point";
   EXPECT_EQ(CurrentNumberSymbols().thousand, ",") << "not text: the comma";
+}
+
+TEST(NumbersTest, SymbolsFollowTheEnvironmentInForce) {
+  for (const char* symbol : {",", "/", "."}) {
+    ScopedEnv scoped;  // each at the same place, with the same number of writes
+    SetDecimalSymbol(scoped.env().registry(), symbol);
+    EXPECT_EQ(CurrentNumberSymbols().decimal, symbol);
+    EXPECT_EQ(FormatPattern(1.5, "0.0"), std::string("1") + symbol + "5");
+  }
 }
 
 TEST(NumbersTest, SeedingKeepsWhatTheUserSet) {

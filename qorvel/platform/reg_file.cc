@@ -60,9 +60,11 @@ class Parser {
   std::string QuotedText(std::string_view& rest);
   RegValue Data(std::string_view rest);
   std::vector<uint8_t> HexBytes(std::string_view list);
+  std::vector<uint8_t> CodePageText(const std::vector<uint8_t>& utf16);
 
   std::string_view source_;
   int line_ = 0;
+  bool unicode_ = false;  // version 5 files hold text in hex(n) forms as UTF-16LE
   bool have_key_ = false;
   bool key_deleted_ = false;
   HKEY root_ = 0;
@@ -102,6 +104,7 @@ std::vector<RegOp> Parser::Parse(std::string_view text) {
               "5.00\")");
         }
         header = true;
+        unicode_ = line != "REGEDIT4";
       } else if (line[0] == '[') {
         KeyLine(line);
       } else {
@@ -124,6 +127,8 @@ void Parser::KeyLine(std::string_view line) {
   if (!root) Fail("unknown root key \"" + std::string(line.substr(0, slash)) + "\"");
   root_ = *root;
   key_ = slash == std::string_view::npos ? "" : std::string(line.substr(slash + 1));
+  if (remove && key_.find_first_not_of('\\') == std::string::npos)
+    Fail("a root key can't be deleted");
   have_key_ = true;
   key_deleted_ = remove;
   ops_.push_back({remove ? RegOp::kDeleteKey : RegOp::kCreateKey, root_, key_, "", {}});
@@ -194,7 +199,10 @@ RegValue Parser::Data(std::string_view rest) {
         end != digits.data() + digits.size()) {
       Fail("bad hex(n): type");
     }
-    return RegValue{type, HexBytes(rest.substr(close + 2))};
+    std::vector<uint8_t> bytes = HexBytes(rest.substr(close + 2));
+    const bool text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+    if (text && unicode_) bytes = CodePageText(bytes);
+    return RegValue{type, std::move(bytes)};
   }
   Fail("unknown value data \"" + std::string(rest) + "\"");
 }
@@ -215,6 +223,14 @@ std::vector<uint8_t> Parser::HexBytes(std::string_view list) {
     pos = comma + 1;
   }
   return bytes;
+}
+
+// Text the registry hands out through its single-byte calls is held in the code page, UTF-8.
+std::vector<uint8_t> Parser::CodePageText(const std::vector<uint8_t>& utf16) {
+  if (utf16.size() % 2 != 0) Fail("UTF-16 text with an odd number of bytes");
+  const std::string text =
+      Utf16ToUtf8(std::string_view(reinterpret_cast<const char*>(utf16.data()), utf16.size()));
+  return {text.begin(), text.end()};
 }
 
 }  // namespace

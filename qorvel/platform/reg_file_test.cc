@@ -24,10 +24,12 @@ TEST(RegFileTest, LoadsEveryValueForm) {
       "\"Text\"=\"a \\\"quoted\\\" C:\\\\path\"\r\n"
       "\"Dword\"=dword:00000a3c\r\n"
       "\"Binary\"=hex:01,02,ff\r\n"
-      "\"Expand\"=hex(2):25,00\r\n"
-      "\"Multi\"=hex(7):61,00,00,\\\r\n"
-      "    62,00,00\r\n"
+      "\"Expand\"=hex(2):25,00,41,00,25,00,00,00\r\n"
+      "\"Multi\"=hex(7):61,00,00,00,e9,00,00,00,\\\r\n"
+      "    00,00\r\n"
+      "\"HexText\"=hex(1):62,00,00,00\r\n"
       "\"Qword\"=hex(b):01,00,00,00,00,00,00,00\r\n"
+      "\"Link\"=hex(6):41,00\r\n"
       "\"Empty\"=hex:\r\n",
       "test.reg");
   struct Case {
@@ -38,14 +40,28 @@ TEST(RegFileTest, LoadsEveryValueForm) {
       {"Text", {REG_SZ, Bytes(std::string_view("a \"quoted\" C:\\path\0", 19))}},
       {"Dword", {REG_DWORD, {0x3c, 0x0a, 0, 0}}},
       {"Binary", {REG_BINARY, {1, 2, 0xff}}},
-      {"Expand", {REG_EXPAND_SZ, {0x25, 0}}},
-      {"Multi", {REG_MULTI_SZ, {0x61, 0, 0, 0x62, 0, 0}}},
+      // Text in hex forms is UTF-16 in these files and reaches the byte-level calls as UTF-8.
+      {"Expand", {REG_EXPAND_SZ, Bytes(std::string_view("%A%\0", 4))}},
+      {"Multi", {REG_MULTI_SZ, Bytes(std::string_view("a\0\xC3\xA9\0\0", 6))}},
+      {"HexText", {REG_SZ, Bytes(std::string_view("b\0", 2))}},
       {"Qword", {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}}},
+      {"Link", {6, {0x41, 0}}},
       {"Empty", {REG_BINARY, {}}},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(registry.GetValue(HKEY_LOCAL_MACHINE, kKey, c.name), c.value) << c.name;
   }
+}
+
+TEST(RegFileTest, Regedit4KeepsHexTextAsItsBytes) {
+  Registry registry;
+  registry.LoadRegText(
+      "REGEDIT4\n[HKLM\\SOFTWARE\\Test]\n\"E\"=hex(2):25,41,25,00\n\"M\"=hex(7):61,00,62,00,00\n",
+      "4.reg");
+  EXPECT_EQ(registry.GetValue(HKEY_LOCAL_MACHINE, kKey, "E"),
+            (RegValue{REG_EXPAND_SZ, Bytes(std::string_view("%A%\0", 4))}));
+  EXPECT_EQ(registry.GetValue(HKEY_LOCAL_MACHINE, kKey, "M"),
+            (RegValue{REG_MULTI_SZ, Bytes(std::string_view("a\0b\0\0", 5))}));
 }
 
 TEST(RegFileTest, DeletesKeysAndValues) {
@@ -62,7 +78,8 @@ TEST(RegFileTest, DeletesKeysAndValues) {
 
 TEST(RegFileTest, ReadsUtf16WithByteOrderMark) {
   const std::string text =
-      "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Test]\r\n\"T\"=\"\xC3\xA9\"\r\n";
+      "Windows Registry Editor Version 5.00\r\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Test]\r\n"
+      "\"T\"=\"\xC3\xA9\"\r\n";
   std::string utf16 = "\xFF\xFE";
   for (size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '\xC3') {
@@ -95,6 +112,9 @@ TEST(RegFileTest, RefusesMalformedFilesWholeWithTheLine) {
       {"REGEDIT4\n[HKLM\\X]\n\"v\"=\"a\\q\"\n", "m.reg: line 3: unknown escape"},
       {"REGEDIT4\n[HKLM\\X]\n\"v\"=str:x\n", "m.reg: line 3: unknown value data"},
       {"", "m.reg: line 1: empty file"},
+      {"REGEDIT4\n[HKLM\\X]\n[-HKEY_CURRENT_USER]\n", "m.reg: line 3: a root key can't be deleted"},
+      {"Windows Registry Editor Version 5.00\n[HKLM\\X]\n\"e\"=hex(2):41,00,\\\n 42\n",
+       "m.reg: line 3: UTF-16 text with an odd number of bytes"},
   };
   for (const auto& [text, message] : cases) {
     Registry registry;

@@ -24,7 +24,10 @@ std::string Trimmed(std::string_view key) {
   return std::string(key);
 }
 
-bool IsRoot(HKEY key) { return key >= HKEY_CLASSES_ROOT && key <= HKEY_CURRENT_CONFIG; }
+bool IsRoot(HKEY key) {
+  return key == HKEY_CLASSES_ROOT || key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE ||
+         key == HKEY_USERS || key == HKEY_CURRENT_CONFIG;
+}
 
 std::string RootPath(HKEY root) {
   char text[16];
@@ -67,6 +70,11 @@ std::optional<HKEY> RootKeyByName(std::string_view name) {
     if (upper == text) return key;
   }
   return std::nullopt;
+}
+
+uint64_t Registry::NextGeneration() {
+  static std::atomic<uint64_t> last{0};
+  return ++last;
 }
 
 // A path below a root or below an open handle; empty when the base is neither.
@@ -115,9 +123,9 @@ int32_t Registry::RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result)
 int32_t Registry::RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t*, uint32_t* type,
                                    uint8_t* data, uint32_t* size) {
   std::lock_guard lock(mu_);
-  auto h = handles_.find(key);
-  if (h == handles_.end()) return ERROR_INVALID_HANDLE;
-  auto k = keys_.find(h->second);
+  const std::string path = PathOf(key, "");  // an open handle, or a root itself
+  if (path.empty()) return ERROR_INVALID_HANDLE;
+  auto k = keys_.find(path);
   if (k == keys_.end()) return ERROR_FILE_NOT_FOUND;
   auto v = k->second.values.find(Upper(value_name));
   if (v == k->second.values.end()) return ERROR_FILE_NOT_FOUND;
@@ -141,6 +149,7 @@ int32_t Registry::RegQueryValueExA(HKEY key, std::string_view value_name, uint32
 int32_t Registry::RegCloseKey(HKEY key) {
   std::lock_guard lock(mu_);
   ++close_calls_;
+  if (IsRoot(key)) return ERROR_SUCCESS;  // the roots stay open
   return handles_.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
@@ -157,6 +166,7 @@ int Registry::close_calls() const {
 void Registry::SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value) {
   std::lock_guard lock(mu_);
   MakeKey(PathOf(root, key)).values[Upper(name)] = std::move(value);
+  Touch();
 }
 
 void Registry::SetString(HKEY root, std::string_view key, std::string_view name,
@@ -174,16 +184,19 @@ void Registry::SetDword(HKEY root, std::string_view key, std::string_view name, 
 void Registry::CreateKey(HKEY root, std::string_view key) {
   std::lock_guard lock(mu_);
   MakeKey(PathOf(root, key));
+  Touch();
 }
 
 void Registry::DeleteKey(HKEY root, std::string_view key) {
   std::lock_guard lock(mu_);
   DeleteTree(PathOf(root, key));
+  Touch();
 }
 
 void Registry::DeleteValue(HKEY root, std::string_view key, std::string_view name) {
   std::lock_guard lock(mu_);
   if (auto k = keys_.find(PathOf(root, key)); k != keys_.end()) k->second.values.erase(Upper(name));
+  Touch();
 }
 
 std::optional<RegValue> Registry::GetValue(HKEY root, std::string_view key,
@@ -242,6 +255,7 @@ void Registry::LoadRegText(std::string_view bytes, std::string_view source_name)
         break;
     }
   }
+  Touch();
 }
 
 }  // namespace qorvel

@@ -1,6 +1,7 @@
 #ifndef QORVEL_PLATFORM_REGISTRY_H_
 #define QORVEL_PLATFORM_REGISTRY_H_
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -56,7 +57,7 @@ class Registry {
   int open_handles() const;
   int close_calls() const;
 
-  // Writes, for installers, tests and scripts.
+  // Writes, for installers, tests and scripts. Writes below an unknown root raise error 5.
   void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value);
   void SetString(HKEY root, std::string_view key, std::string_view name, std::string_view text);
   void SetDword(HKEY root, std::string_view key, std::string_view name, uint32_t value);
@@ -66,7 +67,7 @@ class Registry {
   std::optional<RegValue> GetValue(HKEY root, std::string_view key, std::string_view name) const;
   bool KeyExists(HKEY root, std::string_view key) const;
   // Every key below `key`, as full upper-cased paths ("HKEY_CURRENT_USER\\A\\B"); for tests of
-  // what was written. Writes below an unknown root raise error 5.
+  // what was written.
   std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const;
 
   // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
@@ -74,6 +75,10 @@ class Registry {
   // source and the line, and nothing of it is applied.
   void LoadRegFile(const std::string& path);
   void LoadRegText(std::string_view bytes, std::string_view source_name);
+
+  // A stamp that changes with every write and differs between registries, so readers can keep
+  // what they read last and look again only when it moved.
+  uint64_t generation() const { return generation_.load(std::memory_order_acquire); }
 
  private:
   struct KeyData {
@@ -83,12 +88,15 @@ class Registry {
   std::string PathOf(HKEY root, std::string_view key) const;
   KeyData& MakeKey(const std::string& path);
   void DeleteTree(const std::string& path);
+  static uint64_t NextGeneration();
+  void Touch() { generation_.store(NextGeneration(), std::memory_order_release); }
 
   mutable std::mutex mu_;
   std::map<std::string, KeyData> keys_;
   std::map<HKEY, std::string> handles_;  // open handle -> key path
   HKEY next_handle_ = 0x100;
   int close_calls_ = 0;
+  std::atomic<uint64_t> generation_{NextGeneration()};
 };
 
 // Root keys by their names in .reg files: "HKEY_LOCAL_MACHINE", "HKLM", ...

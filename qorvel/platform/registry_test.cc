@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -120,6 +121,42 @@ TEST_F(RegistryTest, OpenGivesFreshHandlesAndOpensRootsAndSubkeys) {
   for (HKEY h : {root, again, below, child, key_})
     EXPECT_EQ(registry_.RegCloseKey(h), ERROR_SUCCESS);
   EXPECT_EQ(registry_.open_handles(), 0);
+}
+
+TEST_F(RegistryTest, RootsAreKeysThatNeverClose) {
+  registry_.SetString(HKEY_CURRENT_USER, "", "AtRoot", "xy");
+  uint8_t data[8] = {};
+  uint32_t size = sizeof data;
+  EXPECT_EQ(registry_.RegQueryValueExA(HKEY_CURRENT_USER, "atroot", nullptr, nullptr, data, &size),
+            ERROR_SUCCESS);
+  EXPECT_EQ(size, 3u);
+  EXPECT_EQ(registry_.RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
+  size = sizeof data;
+  EXPECT_EQ(registry_.RegQueryValueExA(HKEY_CURRENT_USER, "AtRoot", nullptr, nullptr, data, &size),
+            ERROR_SUCCESS);
+  HKEY h = 0;
+  EXPECT_EQ(registry_.RegOpenKeyA(0x80000004, "", &h), ERROR_INVALID_HANDLE) << "not a root here";
+  EXPECT_EQ(registry_.open_handles(), 1);
+}
+
+TEST_F(RegistryTest, EveryWriteMovesTheGeneration) {
+  const std::pair<const char*, std::function<void()>> writes[] = {
+      {"SetString", [&] { registry_.SetString(HKEY_CURRENT_USER, "K", "v", "x"); }},
+      {"SetDword", [&] { registry_.SetDword(HKEY_CURRENT_USER, "K", "d", 1); }},
+      {"CreateKey", [&] { registry_.CreateKey(HKEY_CURRENT_USER, "K\\Sub"); }},
+      {"DeleteValue", [&] { registry_.DeleteValue(HKEY_CURRENT_USER, "K", "v"); }},
+      {"DeleteKey", [&] { registry_.DeleteKey(HKEY_CURRENT_USER, "K"); }},
+      {"LoadRegText", [&] { registry_.LoadRegText("REGEDIT4\n[HKCU\\K]\n", "g.reg"); }},
+  };
+  for (const auto& [name, write] : writes) {
+    const uint64_t before = registry_.generation();
+    write();
+    EXPECT_NE(registry_.generation(), before) << name;
+  }
+  const uint64_t now = registry_.generation();
+  registry_.GetValue(HKEY_CURRENT_USER, "K", "v");
+  EXPECT_EQ(registry_.generation(), now) << "reads leave it";
+  EXPECT_NE(Registry().generation(), Registry().generation()) << "each registry its own";
 }
 
 TEST_F(RegistryTest, DeleteKeyTakesTheSubtreeAndSparesSiblings) {
