@@ -1,65 +1,95 @@
--- A tour of QorvelOLE against the simulated hosts: a Zebrin session, then a machining session
--- with Tarvik3. Run it with: qvsh examples/tour.lua
+-- A tour of QorvelOLE: a Zebrin session, then a machining session with Tarvik3, both against
+-- the simulated hosts. Run it with: qvsh examples/tour.lua
 
-local function yesno(b) return b and "yes" or "no" end
+-- One line of the session: a label, then the values.
+local function show(label, ...)
+  local values = table.pack(...)
+  for i = 1, values.n do
+    local v = values[i]
+    values[i] = math.type(v) == "float" and ("%g"):format(v) or tostring(v)
+  end
+  print(("  %-30s %s"):format(label, table.concat(values, "  ")))
+end
 
-print("== Zebrin")
+local function extents(label, size)
+  print(("  %-30s x %g..%g  y %g..%g  z %g..%g"):format(label, size(qvxmin), size(qvxmax),
+    size(qvymin), size(qvymax), size(qvzmin), size(qvzmax)))
+end
+
+print("== Zebrin, a bare command target")
 local zebrin = CreateObject("QorvelOLE.Zebrin")
-print("connected before Connect:", yesno(zebrin.Connected))
-zebrin:Connect(qvStartZebrin)             -- starts the program through the registry
-print("connected:", yesno(zebrin.Connected), "version:", zebrin.version)
+show("connected before Connect", zebrin.Connected)
+zebrin:Connect(qvStartZebrin)              -- no Zebrin runs yet: started through the registry
+show("connected, version", zebrin.Connected, zebrin.version)
+
+local host = GetObject("Zebrin.Document")   -- the running host itself, to see what it gets
+Sim.ClearLog(host)
 zebrin.InformationWindow = true
-zebrin:Execute("ECHO this output is dropped")
-io.write("captured: ", zebrin:ExecuteEx("ECHO hello from Zebrin"))
-print("busy:", yesno(zebrin.Busy), "window state:", zebrin.WindowState, "visible:", yesno(zebrin.Visible))
+zebrin:Execute("ECHO the output of Execute is dropped")
+show("ExecuteEx", (zebrin:ExecuteEx("ECHO hello from Zebrin"):gsub("\r\n$", "")))
 zebrin.WindowState = qvMaximise
-print("window state after maximise:", zebrin.WindowState)
-local host = Sim.LastStarted("Zebrin.Document")
-print("the Zebrin host saw:")
-for _, line in ipairs(Sim.Log(host)) do print("  " .. line) end
+show("busy, window state, visible", zebrin.Busy, zebrin.WindowState, zebrin.Visible)
+print("  the host saw:")
+for _, line in ipairs(Sim.Log(host)) do print("    " .. line) end
+
+-- Most members report a failure by their result; the Visible put lets the host's error through.
+Sim.GoAway(host)
+show("ExecuteEx with the host gone", zebrin:ExecuteEx("ECHO anyone?"))
+local ok, err = pcall(function() zebrin.Visible = true end)
+show("Visible = true, trapped", err.number, err.description)
 zebrin:Disconnect()
-print("after Disconnect, connected:", yesno(zebrin.Connected))
+show("connected after Disconnect", zebrin.Connected)
 
 print()
-print("== Tarvik3")
+print("== Tarvik3, machining")
 local tarvik = CreateObject("QorvelOLE.Tarvik3")
-tarvik:Connect(qvStartTarvik)
-print("connected:", yesno(tarvik.Connected), "version:", tarvik.version)
+tarvik:Connect(qvStartTarvik)              -- started through its registry entry as well
+show("connected, version", tarvik.Connected, tarvik.version)
 local machine = Sim.LastStarted("Tarvik.Document")
+
 Sim.LoadModel(machine, -50, -25, 0, 50, 25, 30, 12)
+show("model loaded", tarvik.IsModelLoaded)
+extents("model", function(axis) return tarvik:ModelSize(axis) end)
+
+tarvik:ResizeBlock(5)                      -- the block around the model, 5 all round
+tarvik:StoreBlock()
+extents("block, offset 5", function(axis) return tarvik:BlockSize(axis) end)
+tarvik:SetBlock(qvzmin, 0)
+tarvik:ResizeBlock(10, false, false, false, false, true)   -- ZminLock: the floor stays
+tarvik:StoreBlock()
+extents("block, offset 10, zmin locked", function(axis) return tarvik:BlockSize(axis) end)
+
+Sim.ClearLog(machine)
+local _, length, tip, angle, chamfer, x_offset, y_offset, number, name =
+  tarvik:DefineTool(qvTipRadiused, 10, 75, 1, nil, nil, nil, nil, 12, "D10 R1")
+show("tool arguments after the call", length, tip, angle, chamfer, x_offset, y_offset, number, name)
+print("  tool commands sent:")
+for _, command in ipairs(Sim.Commands(machine)) do print("    " .. command) end
+tarvik.Units = qvINCHES
+show("units", tarvik.Units == qvINCHES and "inches" or "mm")
+tarvik.Units = qvMM
+
 Sim.AddToolpath(machine, "Rough 1", -40, -20, 1, 40, 20, 29)
 Sim.AddToolpath(machine, "Finish 2", -45, -22, 0, 45, 22, 30)
 Sim.AddToolpath(machine, "Rest 3", -10, -10, 5, 10, 10, 25)
 Sim.SetActive(machine, "toolpath", "Finish 2")
-print("model loaded:", yesno(tarvik.IsModelLoaded))
-print(string.format("model: x %g..%g  y %g..%g  z %g..%g",
-  tarvik:ModelSize(qvxmin), tarvik:ModelSize(qvxmax), tarvik:ModelSize(qvymin),
-  tarvik:ModelSize(qvymax), tarvik:ModelSize(qvzmin), tarvik:ModelSize(qvzmax)))
+local toolpaths, active
+_, toolpaths, active = tarvik:GetToolpathList(Collection(), 0)
+show("toolpaths", toolpaths.Count, "active: " .. toolpaths:Item(active))
+for i = 1, toolpaths.Count do print(("    %s %d %s"):format(i == active and "*" or " ", i, toolpaths:Item(i))) end
 
-tarvik:ResizeBlock(5, false, false, false, false, true)   -- 5 around the model, Zmin locked
-tarvik:StoreBlock()
-print(string.format("block: x %g..%g  y %g..%g  z %g..%g",
-  tarvik:BlockSize(qvxmin), tarvik:BlockSize(qvxmax), tarvik:BlockSize(qvymin),
-  tarvik:BlockSize(qvymax), tarvik:BlockSize(qvzmin), tarvik:BlockSize(qvzmax)))
+local toolpath, xmin, xmax, ymin, ymax, zmin, zmax
+_, toolpath, xmin, xmax, ymin, ymax, zmin, zmax = tarvik:SizeToolpath("Rough 1", 0, 0, 0, 0, 0, 0)
+print(("  %-30s x %g..%g  y %g..%g  z %g..%g"):format("toolpath " .. toolpath, xmin, xmax, ymin,
+  ymax, zmin, zmax))
 
-tarvik:DefineTool(qvTipRadiused, 10, 75, 1, nil, nil, nil, nil, 12, "D10 R1")
-print("tool commands sent:")
-for _, c in ipairs(Sim.Commands(machine)) do
-  if c:find("^EDIT T") or c:find("^EDIT D") then print("  " .. c) end
-end
-tarvik.Units = qvINCHES
-print("units:", tarvik.Units == qvINCHES and "inches" or "mm")
-tarvik.Units = qvMM
-
-local toolpaths = Collection()
-local _, _, active = tarvik:GetToolpathList(toolpaths, 0)
-print("toolpaths:", toolpaths.Count, "active:", toolpaths:Item(active))
-for i = 1, toolpaths.Count do print("  " .. i .. ": " .. toolpaths:Item(i)) end
-
-local _, name, xmin, xmax, ymin, ymax, zmin, zmax = tarvik:SizeToolpath("Rough 1", 0, 0, 0, 0, 0, 0)
-print(string.format("toolpath %s: x %g..%g  y %g..%g  z %g..%g", name, xmin, xmax, ymin, ymax, zmin, zmax))
-
-local ok, err = pcall(function() return tarvik:BlockSize(7) end)
-print("BlockSize(7):", ok and "no error" or tostring(err))
+-- Raised errors: a bad axis, and the version gate.
+ok, err = pcall(function() return tarvik:BlockSize(7) end)
+show("BlockSize(7), trapped", tostring(err))
+Sim.SetVersion(machine, 2400)
+ok, err = pcall(function() return tarvik.Connected end)
+show("a Tarvik 2400, trapped", tostring(err))
+Sim.SetVersion(machine, 2620)
 tarvik:Disconnect()
-print("message boxes shown:", #MessageBoxes())
+show("connected after Disconnect", tarvik.Connected)
+show("message boxes shown", #MessageBoxes())

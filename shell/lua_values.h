@@ -3,38 +3,25 @@
 
 #include <lua.hpp>
 
-#include "qorvel/platform/error.h"
+#include "qorvel/platform/safe_array.h"
 #include "qorvel/platform/variant.h"
 
 namespace qvsh {
 
-// Lua values and automation values, both ways. Booleans are VariantBool -1 and 0; a Bool(n)
-// value carries any other 16-bit truth value; objects and arrays are userdata.
+// Lua values and automation values, both ways. nil is Empty; booleans are VariantBool -1 and
+// 0, and a Bool(n) value carries any other 16-bit truth value; integers are Long (Double
+// beyond 32 bits); objects and arrays are userdata. Anything else raises error 13.
 qorvel::Variant ToVariant(lua_State* L, int index);
+// Empty, Null and an empty object reference push nil; a truth value other than -1 and 0
+// pushes its number.
 void PushVariant(lua_State* L, const qorvel::Variant& value);
 
+// The userdata that stand for automation objects (lua_objects.cc) and arrays (lua_arrays.cc);
+// the Test functions give nullptr for any other value.
 void PushObject(lua_State* L, qorvel::AutomationObject object);
-qorvel::AutomationObject CheckObject(lua_State* L, int index);
-
-// Pushes an error value with the fields `number` and `description`.
-void PushError(lua_State* L, const qorvel::Error& e);
-
-// Runs `body`, turning automation errors into Lua errors. Lua unwinds with longjmp, so the
-// C++ exception and everything it owns are gone before the Lua error is raised.
-template <class Body>
-int Guarded(lua_State* L, Body&& body) {
-  bool failed = false;
-  try {
-    return body();
-  } catch (const qorvel::Error& e) {
-    PushError(L, e);
-    failed = true;
-  }
-  return failed ? lua_error(L) : 0;
-}
-
-void OpenValues(lua_State* L);   // Bool, SafeArray, Collection and the error value's metatable
-void OpenObjects(lua_State* L);  // CreateObject, GetObject and the object metatable
+const qorvel::AutomationObject* TestObject(lua_State* L, int index);
+void PushArray(lua_State* L, qorvel::SafeArray array);
+qorvel::SafeArray* TestArray(lua_State* L, int index);
 
 }  // namespace qvsh
 

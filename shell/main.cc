@@ -1,118 +1,150 @@
-// qvsh: runs Lua scripts against the library's dispatch face and the simulated hosts, or reads
+// qvsh: runs a Lua script against the library's dispatch face and the simulated hosts, or reads
 // statements from standard input when no script is named.
-#include <cstdio>
+#include <unistd.h>
+
 #include <iostream>
 #include <string>
 
 #include "hosts/simulators.h"
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/registration.h"
-#include "qorvel/frame/type_library.h"
 #include "qorvel/machining/tarvik3_face.h"
-#include "qorvel/platform/env.h"
 #include "qorvel/session/zebrin_face.h"
-#include "shell/lua_values.h"
-
-namespace qvsh {
-void OpenSimulators(lua_State* L);
-}
+#include "shell/lua_errors.h"
+#include "shell/qvsh.h"
+#include "shell/shell_env.h"
 
 namespace {
 
-void OpenEnumerations(lua_State* L) {
-  for (const qorvel::EnumInfo& e : qorvel::TheTypeLibrary().enums) {
-    for (const auto& [name, value] : e.members) {
-      lua_pushinteger(L, value);
-      lua_setglobal(L, name.c_str());
-    }
-  }
+constexpr const char* kUsage =
+    "usage: qvsh [script [args...]]\n"
+    "Runs the Lua script (\"-\" for standard input) against QorvelOLE with the simulated hosts\n"
+    "installed. With no script, reads statements from standard input and prints the values of\n"
+    "expressions. Reference: docs/qvsh.md\n";
+
+// What a user finds on a machine where the library and the hosts are installed.
+void SetUpLibrary() {
+  qorvel::hosts::InstallSimulatedHosts();
+  qorvel::RegisterClassFactory("Zebrin", qorvel::NewZebrinObject);
+  qorvel::RegisterClassFactory("Tarvik3", qorvel::NewTarvik3Object);
+  qorvel::DllRegisterServer();
 }
 
-// "Error 60000: Control only supports Tarvik3 onwards" for automation errors, Lua's own
-// message otherwise.
-std::string Describe(lua_State* L, int index) {
-  index = lua_absindex(L, index);
-  if (lua_istable(L, index)) {
-    lua_getfield(L, index, "number");
-    lua_getfield(L, index, "description");
-    std::string text = "Error " + std::to_string(lua_tointeger(L, -2)) + ": " +
-                       (lua_tostring(L, -1) ? lua_tostring(L, -1) : "");
-    lua_pop(L, 2);
-    return text;
-  }
-  const char* message = lua_tostring(L, index);
-  return message ? message : "error";
+lua_State* NewShell() {
+  lua_State* L = luaL_newstate();
+  luaL_openlibs(L);
+  qvsh::OpenErrors(L);
+  qvsh::OpenValues(L);
+  qvsh::OpenArrays(L);
+  qvsh::OpenObjects(L);
+  qvsh::OpenLibrary(L);
+  qvsh::OpenPlatform(L);
+  qvsh::OpenSimulators(L);
+  return L;
 }
 
-bool Run(lua_State* L, int status) {
-  if (status == LUA_OK) status = lua_pcall(L, 0, LUA_MULTRET, 0);
-  if (status != LUA_OK) {
-    std::cerr << Describe(L, -1) << "\n";
-    lua_pop(L, 1);
-    return false;
+// Automation errors stay as they are, to print as "Error <number>: <description>"; Lua's own
+// errors get a traceback.
+int MessageHandler(lua_State* L) {
+  if (lua_type(L, 1) == LUA_TTABLE) return 1;
+  luaL_traceback(L, L, qvsh::ErrorText(L, 1).c_str(), 1);
+  return 1;
+}
+
+// Calls the function below its `nargs` arguments; reports a failure on standard error.
+bool Call(lua_State* L, int nargs, int nresults) {
+  const int base = lua_gettop(L) - nargs;
+  lua_pushcfunction(L, MessageHandler);
+  lua_insert(L, base);
+  const int status = lua_pcall(L, nargs, nresults, base);
+  lua_remove(L, base);
+  if (status == LUA_OK) return true;
+  const std::string text = qvsh::ErrorText(L, -1);
+  std::cerr << (lua_type(L, -1) == LUA_TTABLE ? "" : "qvsh: ") << text << std::endl;
+  lua_pop(L, 1);
+  return false;
+}
+
+// The script gets its arguments as `...` and in the global `arg`, as lua gives them; "-" reads
+// the script from standard input.
+int RunScript(lua_State* L, int argc, char** argv) {
+  lua_createtable(L, argc - 2, 2);
+  for (int i = 0; i < argc; ++i) {
+    lua_pushstring(L, argv[i]);
+    lua_rawseti(L, -2, i - 1);
   }
-  return true;
+  lua_setglobal(L, "arg");
+  const std::string script = argv[1];
+  if (luaL_loadfile(L, script == "-" ? nullptr : script.c_str()) != LUA_OK) {
+    std::cerr << "qvsh: " << lua_tostring(L, -1) << std::endl;
+    return 1;
+  }
+  for (int i = 2; i < argc; ++i) lua_pushstring(L, argv[i]);
+  return Call(L, argc - 2, 0) ? 0 : 1;
+}
+
+// An expression is loaded to return its values; anything else as a statement. A chunk that
+// ends too early (an open `function` or `do`) is LUA_ERRSYNTAX with "<eof>" at the end.
+int Load(lua_State* L, const std::string& chunk) {
+  const std::string expression = "return " + chunk;
+  if (luaL_loadbuffer(L, expression.data(), expression.size(), "=stdin") == LUA_OK) return LUA_OK;
+  lua_pop(L, 1);
+  return luaL_loadbuffer(L, chunk.data(), chunk.size(), "=stdin");
+}
+
+bool Incomplete(lua_State* L, int status) {
+  const std::string message = status == LUA_ERRSYNTAX ? lua_tostring(L, -1) : "";
+  const std::string eof = "<eof>";
+  return message.size() >= eof.size() &&
+         message.compare(message.size() - eof.size(), eof.size(), eof) == 0;
+}
+
+void PrintResults(lua_State* L) {
+  const int count = lua_gettop(L);
+  if (count == 0) return;
+  lua_getglobal(L, "print");
+  lua_insert(L, 1);
+  Call(L, count, 0);
 }
 
 int Repl(lua_State* L) {
+  const bool prompt = isatty(STDIN_FILENO);
+  std::string chunk;
   std::string line;
-  while (std::cout << "qvsh> " << std::flush, std::getline(std::cin, line)) {
-    lua_settop(L, 0);
-    // An expression prints its values; anything else runs as a statement.
-    int status = luaL_loadstring(L, ("return " + line).c_str());
+  while ((!prompt || std::cout << (chunk.empty() ? "qvsh> " : ">> ") << std::flush) &&
+         std::getline(std::cin, line)) {
+    chunk += line;
+    const int status = Load(L, chunk);
+    if (Incomplete(L, status)) {
+      lua_pop(L, 1);
+      chunk += "\n";
+      continue;
+    }
+    chunk.clear();
     if (status != LUA_OK) {
-      lua_pop(L, 1);
-      status = luaL_loadstring(L, line.c_str());
+      std::cerr << "qvsh: " << lua_tostring(L, -1) << std::endl;
+    } else if (Call(L, 0, LUA_MULTRET)) {
+      PrintResults(L);
     }
-    if (!Run(L, status)) continue;
-    for (int i = 1; i <= lua_gettop(L); ++i) {
-      std::cout << luaL_tolstring(L, i, nullptr) << (i < lua_gettop(L) ? "\t" : "\n");
-      lua_pop(L, 1);
-    }
+    lua_settop(L, 0);
   }
-  std::cout << "\n";
+  if (prompt) std::cout << std::endl;
   return 0;
-}
-
-// The in-process server calls, by their results: 0 for S_OK, 1 for S_FALSE.
-void OpenServer(lua_State* L) {
-  lua_register(L, "RegisterServer", [](lua_State* L) {
-    lua_pushinteger(L, qorvel::DllRegisterServer());
-    return 1;
-  });
-  lua_register(L, "UnregisterServer", [](lua_State* L) {
-    lua_pushinteger(L, qorvel::DllUnregisterServer());
-    return 1;
-  });
-  lua_register(L, "CanUnloadNow", [](lua_State* L) {
-    lua_pushboolean(L, qorvel::DllCanUnloadNow() == qorvel::S_OK);
-    return 1;
-  });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  qorvel::Env::Current().messages().set_echo(true);
-  qorvel::hosts::InstallSimulatedHosts();
-  qorvel::RegisterClassFactory("Zebrin", qorvel::NewZebrinObject);
-  qorvel::RegisterClassFactory("Tarvik3", qorvel::NewTarvik3Object);
-  qorvel::DllRegisterServer();
-
-  lua_State* L = luaL_newstate();
-  luaL_openlibs(L);
-  qvsh::OpenValues(L);
-  qvsh::OpenObjects(L);
-  qvsh::OpenSimulators(L);
-  OpenEnumerations(L);
-  OpenServer(L);
-
-  int code = 0;
-  if (argc > 1) {
-    code = Run(L, luaL_loadfile(L, argv[1])) ? 0 : 1;
-  } else {
-    code = Repl(L);
+  if (argc > 1 && (std::string(argv[1]) == "-h" || std::string(argv[1]) == "--help")) {
+    std::cout << kUsage;
+    return 0;
   }
-  lua_close(L);
+  qvsh::ShellEnv env;
+  qorvel::Env* const previous = qorvel::Env::Install(&env);
+  SetUpLibrary();
+  lua_State* L = NewShell();
+  const int code = argc > 1 ? RunScript(L, argc, argv) : Repl(L);
+  lua_close(L);  // releases the script's objects while the environment is still there
+  qorvel::Env::Install(previous);
   return code;
 }

@@ -1,186 +1,202 @@
-// The simulated hosts and platform services as scripts see them: the global tables Sim,
-// Registry and Regional, and MessageBoxes().
+// The simulated hosts as scripts drive them: the global table Sim. A host is the automation
+// object itself (Sim.RunTarvik(), Sim.LastStarted(...), GetObject(...)); its own members stay
+// reachable as host.version or host:Execute(...), so the controls here are plain functions.
+#include <chrono>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "hosts/simulators.h"
-#include "qorvel/platform/env.h"
-#include "qorvel/platform/numbers.h"
+#include "shell/lua_errors.h"
 #include "shell/lua_values.h"
+#include "shell/qvsh.h"
+#include "shell/sim_api.h"
 
 namespace qvsh {
 namespace {
 
+using qorvel::CallKind;
+using qorvel::Variant;
 using qorvel::hosts::SimHost;
-using qorvel::hosts::SimTarvik;
 
-std::shared_ptr<SimHost> CheckHost(lua_State* L, int index) {
-  auto host = std::dynamic_pointer_cast<SimHost>(CheckObject(L, index));
-  if (!host) luaL_argerror(L, index, "not a simulated host");
+std::shared_ptr<SimHost> ArgHost(lua_State* L, int arg) {
+  const qorvel::AutomationObject* object = TestObject(L, arg);
+  auto host = object ? std::dynamic_pointer_cast<SimHost>(*object) : nullptr;
+  if (!host) throw ArgError(arg, "simulated host expected");
   return host;
 }
 
-std::shared_ptr<SimTarvik> CheckTarvik(lua_State* L, int index) {
-  auto host = std::dynamic_pointer_cast<SimTarvik>(CheckObject(L, index));
-  if (!host) luaL_argerror(L, index, "not a simulated Tarvik");
-  return host;
+std::chrono::milliseconds ArgDelay(lua_State* L, int arg) {
+  const lua_Integer ms = OptInteger(L, arg, 0);
+  if (ms < 0) throw ArgError(arg, "a delay of 0 ms or more expected");
+  return std::chrono::milliseconds(ms);
 }
 
-std::chrono::milliseconds Delay(lua_State* L, int index) {
-  return std::chrono::milliseconds(luaL_optinteger(L, index, 0));
+int32_t ArgNumber32(lua_State* L, int arg) {
+  const lua_Integer n = ArgInteger(L, arg);
+  if (n < INT32_MIN || n > INT32_MAX) throw ArgError(arg, "beyond 32 bits");
+  return int32_t(n);
 }
 
-SimTarvik::Box CheckBox(lua_State* L, int first) {
-  SimTarvik::Box box;
-  for (int i = 0; i < 6; ++i) box[i] = luaL_checknumber(L, first + i);
-  return box;
+// An argument as a log line shows it: texts quoted, numbers as the host read them.
+std::string LogText(const Variant& value) {
+  switch (value.type()) {
+    case qorvel::VarType::kEmpty:
+      return "Empty";
+    case qorvel::VarType::kNull:
+      return "Null";
+    case qorvel::VarType::kText:
+      return '"' + value.ToText() + '"';
+    case qorvel::VarType::kObject:
+      return "<object>";
+    default:
+      return value.is_array() ? "<array>" : value.ToText();
+  }
 }
 
-void PushStrings(lua_State* L, const std::vector<std::string>& lines) {
+// "version", "WindowState = 2", "Execute(\"ECHO a\", 0)"
+std::string LogLine(const qorvel::hosts::Call& call) {
+  if (call.kind == CallKind::kPropertyGet && call.args.empty()) return call.member;
+  if (call.kind == CallKind::kPropertyPut && call.args.size() == 1) {
+    return call.member + " = " + LogText(call.args[0]);
+  }
+  std::string line = call.member + "(";
+  for (size_t i = 0; i < call.args.size(); ++i) line += (i ? ", " : "") + LogText(call.args[i]);
+  return line + ")";
+}
+
+void PushLines(lua_State* L, const std::vector<std::string>& lines) {
   lua_createtable(L, int(lines.size()), 0);
   for (size_t i = 0; i < lines.size(); ++i) {
-    lua_pushstring(L, lines[i].c_str());
+    lua_pushlstring(L, lines[i].data(), lines[i].size());
     lua_rawseti(L, -2, lua_Integer(i + 1));
   }
 }
 
-qorvel::hosts::EntityKind CheckKind(lua_State* L, int index) {
-  const char* kinds[] = {"toolpath", "pattern", "workplane", nullptr};
-  return static_cast<qorvel::hosts::EntityKind>(luaL_checkoption(L, index, nullptr, kinds));
+int RunZebrin(lua_State* L) {
+  PushObject(L, qorvel::hosts::RunZebrin(ArgDelay(L, 1)));
+  return 1;
 }
 
-const luaL_Reg kSim[] = {
-    {"RunZebrin",
-     [](lua_State* L) {
-       PushObject(L, qorvel::hosts::RunZebrin(Delay(L, 1)));
-       return 1;
-     }},
-    {"RunTarvik",
-     [](lua_State* L) {
-       PushObject(L, qorvel::hosts::RunTarvik(Delay(L, 1)));
-       return 1;
-     }},
-    {"Install",
-     [](lua_State* L) {
-       qorvel::hosts::InstallSimulatedHosts(Delay(L, 1));
-       return 0;
-     }},
-    {"LastStarted",
-     [](lua_State* L) {
-       auto host = qorvel::hosts::LastStarted(luaL_checkstring(L, 1));
-       if (!host) return 0;
-       PushObject(L, host);
-       return 1;
-     }},
-    {"SetVersion",
-     [](lua_State* L) {
-       return Guarded(L, [&] {
-         CheckHost(L, 1)->set_version(ToVariant(L, 2));
-         return 0;
-       });
-     }},
-    {"ScriptReply",
-     [](lua_State* L) {
-       CheckHost(L, 1)->ScriptReply(luaL_checkstring(L, 2), luaL_checkstring(L, 3));
-       return 0;
-     }},
-    {"FailMember",
-     [](lua_State* L) {
-       CheckHost(L, 1)->FailMember(luaL_checkstring(L, 2), int32_t(luaL_checkinteger(L, 3)),
-                                   luaL_checkstring(L, 4));
-       return 0;
-     }},
-    {"GoAway",
-     [](lua_State* L) {
-       CheckHost(L, 1)->GoAway();
-       return 0;
-     }},
-    {"Log",
-     [](lua_State* L) {
-       std::vector<std::string> lines;
-       for (const auto& call : CheckHost(L, 1)->log()) {
-         std::string line = call.member;
-         for (const auto& arg : call.args) line += " [" + arg.ToText() + "]";
-         lines.push_back(line);
-       }
-       PushStrings(L, lines);
-       return 1;
-     }},
-    {"Commands",
-     [](lua_State* L) {
-       PushStrings(L, CheckHost(L, 1)->commands());
-       return 1;
-     }},
-    {"ClearLog",
-     [](lua_State* L) {
-       CheckHost(L, 1)->ClearLog();
-       return 0;
-     }},
-    {"LoadModel",
-     [](lua_State* L) {
-       auto host = CheckTarvik(L, 1);
-       host->LoadModel(CheckBox(L, 2), int32_t(luaL_checkinteger(L, 8)));
-       return 0;
-     }},
-    {"AddToolpath",
-     [](lua_State* L) {
-       auto host = CheckTarvik(L, 1);
-       host->AddToolpath(luaL_checkstring(L, 2), CheckBox(L, 3));
-       return 0;
-     }},
-    {"AddPattern",
-     [](lua_State* L) {
-       auto host = CheckTarvik(L, 1);
-       host->AddPattern(luaL_checkstring(L, 2), CheckBox(L, 3));
-       return 0;
-     }},
-    {"SetActive",
-     [](lua_State* L) {
-       return Guarded(L, [&] {
-         CheckTarvik(L, 1)->SetActive(CheckKind(L, 2), luaL_checkstring(L, 3));
-         return 0;
-       });
-     }},
-    {nullptr, nullptr}};
+int RunTarvik(lua_State* L) {
+  PushObject(L, qorvel::hosts::RunTarvik(ArgDelay(L, 1)));
+  return 1;
+}
+
+int Install(lua_State* L) {
+  qorvel::hosts::InstallSimulatedHosts(ArgDelay(L, 1));
+  return 0;
+}
+
+int SetStartDelay(lua_State* L) {
+  qorvel::hosts::SetStartDelay(ArgDelay(L, 1));
+  return 0;
+}
+
+int LastStarted(lua_State* L) {
+  std::shared_ptr<SimHost> host = qorvel::hosts::LastStarted(ArgString(L, 1));
+  if (!host) return 0;
+  PushObject(L, std::move(host));
+  return 1;
+}
+
+int Started(lua_State* L) {
+  const std::vector<std::shared_ptr<SimHost>> hosts = qorvel::hosts::StartedHosts();
+  lua_createtable(L, int(hosts.size()), 0);
+  for (size_t i = 0; i < hosts.size(); ++i) {
+    PushObject(L, hosts[i]);
+    lua_rawseti(L, -2, lua_Integer(i + 1));
+  }
+  return 1;
+}
+
+int SetVersion(lua_State* L) {
+  ArgHost(L, 1)->set_version(ToVariant(L, 2));
+  return 0;
+}
+
+int ScriptReply(lua_State* L) {
+  ArgHost(L, 1)->ScriptReply(ArgString(L, 2), ArgString(L, 3));
+  return 0;
+}
+
+int FailCommand(lua_State* L) {
+  ArgHost(L, 1)->FailCommand(ArgString(L, 2), ArgNumber32(L, 3), ArgString(L, 4));
+  return 0;
+}
+
+int FailMember(lua_State* L) {
+  ArgHost(L, 1)->FailMember(ArgString(L, 2), ArgNumber32(L, 3), ArgString(L, 4));
+  return 0;
+}
+
+int ClearFaults(lua_State* L) {
+  ArgHost(L, 1)->ClearFaults();
+  return 0;
+}
+
+int GoAway(lua_State* L) {
+  ArgHost(L, 1)->GoAway();
+  return 0;
+}
+
+int Gone(lua_State* L) {
+  lua_pushboolean(L, ArgHost(L, 1)->gone());
+  return 1;
+}
+
+int SetBusy(lua_State* L) {
+  ArgHost(L, 1)->busy = lua_toboolean(L, 2);
+  return 0;
+}
+
+int LingerOnExit(lua_State* L) {
+  ArgHost(L, 1)->linger_on_exit = lua_toboolean(L, 2);
+  return 0;
+}
+
+int Log(lua_State* L) {
+  std::vector<std::string> lines;
+  for (const qorvel::hosts::Call& call : ArgHost(L, 1)->log()) lines.push_back(LogLine(call));
+  PushLines(L, lines);
+  return 1;
+}
+
+int Commands(lua_State* L) {
+  PushLines(L, ArgHost(L, 1)->commands());
+  return 1;
+}
+
+int ClearLog(lua_State* L) {
+  ArgHost(L, 1)->ClearLog();
+  return 0;
+}
 
 }  // namespace
 
 void OpenSimulators(lua_State* L) {
-  luaL_newlib(L, kSim);
+  const luaL_Reg functions[] = {{"RunZebrin", Protected<RunZebrin>},
+                                {"RunTarvik", Protected<RunTarvik>},
+                                {"Install", Protected<Install>},
+                                {"SetStartDelay", Protected<SetStartDelay>},
+                                {"LastStarted", Protected<LastStarted>},
+                                {"Started", Protected<Started>},
+                                {"SetVersion", Protected<SetVersion>},
+                                {"ScriptReply", Protected<ScriptReply>},
+                                {"FailCommand", Protected<FailCommand>},
+                                {"FailMember", Protected<FailMember>},
+                                {"ClearFaults", Protected<ClearFaults>},
+                                {"GoAway", Protected<GoAway>},
+                                {"Gone", Protected<Gone>},
+                                {"SetBusy", Protected<SetBusy>},
+                                {"LingerOnExit", Protected<LingerOnExit>},
+                                {"Log", Protected<Log>},
+                                {"Commands", Protected<Commands>},
+                                {"ClearLog", Protected<ClearLog>},
+                                {nullptr, nullptr}};
+  luaL_newlib(L, functions);
+  AddTarvikFunctions(L);
   lua_setglobal(L, "Sim");
-
-  lua_newtable(L);
-  lua_pushcfunction(L, [](lua_State* L) {
-    return Guarded(L, [&] {
-      qorvel::Env::Current().registry().LoadRegFile(luaL_checkstring(L, 1));
-      return 0;
-    });
-  });
-  lua_setfield(L, -2, "Load");
-  lua_setglobal(L, "Registry");
-
-  lua_newtable(L);
-  lua_pushcfunction(L, [](lua_State* L) {
-    qorvel::SetDecimalSymbol(qorvel::Env::Current().registry(), luaL_checkstring(L, 1));
-    return 0;
-  });
-  lua_setfield(L, -2, "SetDecimal");
-  lua_setglobal(L, "Regional");
-
-  lua_register(L, "MessageBoxes", [](lua_State* L) {
-    const auto shown = qorvel::Env::Current().messages().shown();
-    lua_createtable(L, int(shown.size()), 0);
-    for (size_t i = 0; i < shown.size(); ++i) {
-      lua_createtable(L, 0, 3);
-      lua_pushstring(L, shown[i].text.c_str());
-      lua_setfield(L, -2, "text");
-      lua_pushinteger(L, shown[i].style);
-      lua_setfield(L, -2, "style");
-      lua_pushstring(L, shown[i].title.c_str());
-      lua_setfield(L, -2, "title");
-      lua_rawseti(L, -2, lua_Integer(i + 1));
-    }
-    return 1;
-  });
 }
 
 }  // namespace qvsh

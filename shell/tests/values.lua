@@ -25,4 +25,42 @@ assert(not ok and err.number == 9)
 
 -- Enumeration members are globals.
 assert(qvxmin == 1 and qvzmax == 6 and qvStartNewTarvik == 2 and qvTypeWireframe == 60)
+
+-- Arrays describe themselves; bad bounds and arguments are refused, never a crash.
+assert(a:type() == "double" and tostring(a) == "SafeArray(double, 0 to 2, 5 to 7)")
+local texts = SafeArray("text", {-1, 2})
+texts:put(-1, "minus one")
+texts:put(0, 42)                                    -- converted to the element type
+assert(texts:get(-1) == "minus one" and texts:get(0) == "42" and texts:lbound() == -1)
+ok, err = pcall(SafeArray, "double", {1, -1})
+assert(not ok and err.number == 9)
+ok, err = pcall(function() return a:lbound(3) end)
+assert(not ok and err.number == 9)
+ok, err = pcall(function() return a:get(1) end)     -- one subscript for two dimensions
+assert(not ok and err.number == 9)
+ok, err = pcall(SafeArray, "float", {1, 2})
+assert(not ok and type(err) == "string" and err:find("invalid option 'float'"), err)
+ok, err = pcall(SafeArray, "double", {1})
+assert(not ok and type(err) == "string" and err:find("{lower, count}"), err)
+ok, err = pcall(Bool, 40000)
+assert(not ok and err:find("16%-bit"), err)
+assert(Bool(7) == Bool(7) and Bool(7) ~= Bool(6) and tostring(Bool(-2)) == "Bool(-2)")
+
+-- Lua values cross as the automation types: integers beyond 32 bits as Double, and a value
+-- that has no automation type is a type mismatch.
+c:Add(2 ^ 40)
+c:Add(math.maxinteger)
+c:Add(true)
+assert(c:Item(2) == 2 ^ 40 and math.type(c:Item(3)) == "float" and c:Item(4) == true)
+ok, err = pcall(function() c:Add({}) end)
+assert(not ok and err.number == 13 and err.description == "Type mismatch")
+ok, err = pcall(function() c:Add(print) end)
+assert(not ok and err.number == 13)
+c:Add("keyed", "K")
+assert(c:Item("k") == "keyed")
+ok, err = pcall(function() c:Add("again", "K") end)
+assert(not ok and err.number == 457)
+ok, err = pcall(function() c.Count = 3 end)
+assert(not ok and err.number == 438)
+assert(tostring(c):find("^Collection: "))
 print("values: ok")

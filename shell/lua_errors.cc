@@ -1,0 +1,116 @@
+#include "shell/lua_errors.h"
+
+namespace qvsh {
+namespace {
+
+constexpr const char* kErrorMeta = "qvsh.error";
+
+int ErrorToString(lua_State* L) {
+  lua_pushstring(L, ErrorText(L, 1).c_str());
+  return 1;
+}
+
+bool IsErrorValue(lua_State* L, int index) {
+  if (lua_type(L, index) != LUA_TTABLE || !lua_getmetatable(L, index)) return false;
+  luaL_getmetatable(L, kErrorMeta);
+  const bool ours = lua_rawequal(L, -1, -2);
+  lua_pop(L, 2);
+  return ours;
+}
+
+std::string TypeMessage(lua_State* L, int arg, const char* expected) {
+  return std::string(expected) + " expected, got " + luaL_typename(L, arg);
+}
+
+}  // namespace
+
+void PushError(lua_State* L, const qorvel::Error& e) {
+  lua_createtable(L, 0, 2);
+  lua_pushinteger(L, e.number());
+  lua_setfield(L, -2, "number");
+  lua_pushlstring(L, e.description().data(), e.description().size());
+  lua_setfield(L, -2, "description");
+  luaL_setmetatable(L, kErrorMeta);
+}
+
+std::string ErrorText(lua_State* L, int index) {
+  index = lua_absindex(L, index);
+  if (IsErrorValue(L, index)) {
+    lua_getfield(L, index, "number");
+    lua_getfield(L, index, "description");
+    std::string text = "Error " + std::to_string(lua_tointeger(L, -2)) + ": ";
+    if (const char* description = lua_tostring(L, -1)) text += description;
+    lua_pop(L, 2);
+    return text;
+  }
+  if (const char* message = lua_tostring(L, index)) return message;
+  return std::string("(error object is a ") + luaL_typename(L, index) + " value)";
+}
+
+void OpenErrors(lua_State* L) {
+  luaL_newmetatable(L, kErrorMeta);
+  lua_pushcfunction(L, ErrorToString);
+  lua_setfield(L, -2, "__tostring");
+  lua_pop(L, 1);
+}
+
+int RunProtected(lua_State* L, Body body) {
+  int bad_arg = 0;
+  try {
+    return body(L);
+  } catch (const qorvel::Error& e) {
+    PushError(L, e);
+  } catch (const ArgError& e) {
+    lua_pushstring(L, e.what());
+    bad_arg = e.arg();
+  } catch (const std::exception& e) {
+    lua_pushstring(L, e.what());
+  }
+  if (bad_arg != 0) return luaL_argerror(L, bad_arg, lua_tostring(L, -1));
+  return lua_error(L);
+}
+
+lua_Integer ArgInteger(lua_State* L, int arg) {
+  int is_integer = 0;
+  const lua_Integer n = lua_tointegerx(L, arg, &is_integer);
+  if (!is_integer) {
+    throw ArgError(arg, lua_isnumber(L, arg) ? "number has no integer representation"
+                                             : TypeMessage(L, arg, "number"));
+  }
+  return n;
+}
+
+lua_Integer OptInteger(lua_State* L, int arg, lua_Integer fallback) {
+  return lua_isnoneornil(L, arg) ? fallback : ArgInteger(L, arg);
+}
+
+double ArgNumber(lua_State* L, int arg) {
+  int is_number = 0;
+  const double n = lua_tonumberx(L, arg, &is_number);
+  if (!is_number) throw ArgError(arg, TypeMessage(L, arg, "number"));
+  return n;
+}
+
+std::string ArgString(lua_State* L, int arg) {
+  size_t size = 0;
+  const char* text = lua_type(L, arg) == LUA_TSTRING || lua_type(L, arg) == LUA_TNUMBER
+                         ? lua_tolstring(L, arg, &size)
+                         : nullptr;
+  if (text == nullptr) throw ArgError(arg, TypeMessage(L, arg, "string"));
+  return std::string(text, size);
+}
+
+void ArgTable(lua_State* L, int arg) {
+  if (lua_type(L, arg) != LUA_TTABLE) throw ArgError(arg, TypeMessage(L, arg, "table"));
+}
+
+int ArgOption(lua_State* L, int arg, const char* const names[], const char* fallback) {
+  const std::string name =
+      fallback != nullptr && lua_isnoneornil(L, arg) ? fallback : ArgString(L, arg);
+  for (int i = 0; names[i] != nullptr; ++i) {
+    if (name == names[i]) return i;
+  }
+  throw ArgError(arg, "invalid option '" + name + "'");
+}
+
+}  // namespace qvsh

@@ -1,0 +1,53 @@
+#ifndef SHELL_LUA_ERRORS_H_
+#define SHELL_LUA_ERRORS_H_
+
+#include <exception>
+#include <string>
+
+#include <lua.hpp>
+
+#include "qorvel/platform/error.h"
+
+namespace qvsh {
+
+// A raised automation error as a script sees it: a table with `number` and `description`,
+// whose tostring is "Error <number>: <description>".
+void PushError(lua_State* L, const qorvel::Error& e);
+// The text of an error value: that form for an automation error, Lua's message otherwise.
+std::string ErrorText(lua_State* L, int index);
+void OpenErrors(lua_State* L);
+
+// A bad argument to a shell function, reported as Lua reports one.
+class ArgError : public std::exception {
+ public:
+  ArgError(int arg, std::string message) : arg_(arg), message_(std::move(message)) {}
+  int arg() const { return arg_; }
+  const char* what() const noexcept override { return message_.c_str(); }
+
+ private:
+  int arg_;
+  std::string message_;
+};
+
+// Lua raises its errors with longjmp, which would skip the destructors of C++ locals. So the
+// body of a shell function reports every failure as a C++ exception, and Protected raises the
+// Lua error only once the body's frames are gone.
+using Body = int (*)(lua_State*);
+int RunProtected(lua_State* L, Body body);
+template <Body body>
+int Protected(lua_State* L) {
+  return RunProtected(L, body);
+}
+
+// Argument checks for bodies: they throw ArgError where luaL_check* would raise.
+lua_Integer ArgInteger(lua_State* L, int arg);
+lua_Integer OptInteger(lua_State* L, int arg, lua_Integer fallback);
+double ArgNumber(lua_State* L, int arg);
+std::string ArgString(lua_State* L, int arg);
+void ArgTable(lua_State* L, int arg);
+// The position of the argument in `names` (nullptr-terminated); `fallback` when it is absent.
+int ArgOption(lua_State* L, int arg, const char* const names[], const char* fallback = nullptr);
+
+}  // namespace qvsh
+
+#endif  // SHELL_LUA_ERRORS_H_

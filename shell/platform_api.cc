@@ -1,0 +1,136 @@
+// The platform services as scripts see them: the tables Registry and Regional, and the message
+// boxes shown so far.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "qorvel/frame/type_library.h"
+#include "qorvel/platform/env.h"
+#include "qorvel/platform/numbers.h"
+#include "shell/lua_errors.h"
+#include "shell/qvsh.h"
+
+namespace qvsh {
+namespace {
+
+using qorvel::HKEY;
+
+qorvel::Registry& TheRegistry() { return qorvel::Env::Current().registry(); }
+
+struct Key {
+  HKEY root;
+  std::string path;
+};
+
+// "HKEY_CLASSES_ROOT\QorvelOLE.Zebrin" or "HKCR\QorvelOLE.Zebrin".
+Key ArgKey(lua_State* L, int arg) {
+  static const struct {
+    const char* name;
+    const char* abbreviation;
+    HKEY root;
+  } kRoots[] = {{"HKEY_CLASSES_ROOT", "HKCR", qorvel::HKEY_CLASSES_ROOT},
+                {"HKEY_CURRENT_USER", "HKCU", qorvel::HKEY_CURRENT_USER},
+                {"HKEY_LOCAL_MACHINE", "HKLM", qorvel::HKEY_LOCAL_MACHINE},
+                {"HKEY_USERS", "HKU", qorvel::HKEY_USERS},
+                {"HKEY_CURRENT_CONFIG", "HKCC", qorvel::HKEY_CURRENT_CONFIG}};
+  const std::string text = ArgString(L, arg);
+  const size_t cut = text.find('\\');
+  const std::string root = text.substr(0, cut);
+  for (const auto& r : kRoots) {
+    if (qorvel::SameNameNoCase(root, r.name) || qorvel::SameNameNoCase(root, r.abbreviation)) {
+      return Key{r.root, cut == std::string::npos ? "" : text.substr(cut + 1)};
+    }
+  }
+  throw ArgError(arg,
+                 "a key under HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, "
+                 "HKEY_USERS or HKEY_CURRENT_CONFIG expected");
+}
+
+void PushRegValue(lua_State* L, const qorvel::RegValue& value) {
+  const std::vector<uint8_t>& data = value.data;
+  if ((value.type == qorvel::REG_DWORD && data.size() == 4) ||
+      (value.type == qorvel::REG_QWORD && data.size() == 8)) {
+    uint64_t n = 0;
+    for (size_t i = data.size(); i-- > 0;) n = n << 8 | data[i];
+    lua_pushinteger(L, value.type == qorvel::REG_DWORD ? lua_Integer(uint32_t(n)) : lua_Integer(n));
+    return;
+  }
+  size_t size = data.size();
+  const bool text = value.type == qorvel::REG_SZ || value.type == qorvel::REG_EXPAND_SZ;
+  if (text && size > 0 && data[size - 1] == 0) --size;  // the terminating zero
+  lua_pushlstring(L, reinterpret_cast<const char*>(data.data()), size);
+}
+
+int Load(lua_State* L) {
+  TheRegistry().LoadRegFile(ArgString(L, 1));
+  return 0;
+}
+
+// Registry.Get(key [, name]): the value as text or number; nil when it isn't there.
+int Get(lua_State* L) {
+  const Key key = ArgKey(L, 1);
+  const std::string name = lua_isnoneornil(L, 2) ? "" : ArgString(L, 2);
+  const std::optional<qorvel::RegValue> value = TheRegistry().GetValue(key.root, key.path, name);
+  if (!value) return 0;
+  PushRegValue(L, *value);
+  return 1;
+}
+
+int Exists(lua_State* L) {
+  const Key key = ArgKey(L, 1);
+  lua_pushboolean(L, TheRegistry().KeyExists(key.root, key.path));
+  return 1;
+}
+
+int SetDecimal(lua_State* L) {
+  qorvel::SetDecimalSymbol(TheRegistry(), ArgString(L, 1));
+  return 0;
+}
+
+int Decimal(lua_State* L) {
+  const std::string symbol = qorvel::CurrentNumberSymbols().decimal;
+  lua_pushlstring(L, symbol.data(), symbol.size());
+  return 1;
+}
+
+// {{text=, style=, title=}, ...}, oldest first.
+int MessageBoxes(lua_State* L) {
+  const std::vector<qorvel::Message> shown = qorvel::Env::Current().messages().shown();
+  lua_createtable(L, int(shown.size()), 0);
+  for (size_t i = 0; i < shown.size(); ++i) {
+    lua_createtable(L, 0, 3);
+    lua_pushlstring(L, shown[i].text.data(), shown[i].text.size());
+    lua_setfield(L, -2, "text");
+    lua_pushinteger(L, shown[i].style);
+    lua_setfield(L, -2, "style");
+    lua_pushlstring(L, shown[i].title.data(), shown[i].title.size());
+    lua_setfield(L, -2, "title");
+    lua_rawseti(L, -2, lua_Integer(i + 1));
+  }
+  return 1;
+}
+
+int ClearMessageBoxes(lua_State*) {
+  qorvel::Env::Current().messages().Clear();
+  return 0;
+}
+
+}  // namespace
+
+void OpenPlatform(lua_State* L) {
+  const luaL_Reg registry[] = {{"Load", Protected<Load>},
+                               {"Get", Protected<Get>},
+                               {"Exists", Protected<Exists>},
+                               {nullptr, nullptr}};
+  luaL_newlib(L, registry);
+  lua_setglobal(L, "Registry");
+  const luaL_Reg regional[] = {
+      {"SetDecimal", Protected<SetDecimal>}, {"Decimal", Protected<Decimal>}, {nullptr, nullptr}};
+  luaL_newlib(L, regional);
+  lua_setglobal(L, "Regional");
+  lua_register(L, "MessageBoxes", Protected<MessageBoxes>);
+  lua_register(L, "ClearMessageBoxes", Protected<ClearMessageBoxes>);
+}
+
+}  // namespace qvsh

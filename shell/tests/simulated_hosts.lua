@@ -1,0 +1,82 @@
+-- Scripts start, fault and inspect the simulated hosts, and see the effect through a control.
+local z = CreateObject("QorvelOLE.Zebrin")
+local host = Sim.RunZebrin()
+assert(GetObject("zebrin.document") == host and Sim.LastStarted("Zebrin.Document") == host)
+z:Connect()
+assert(z.Connected)
+
+-- The call log, one readable line per call, in order.
+Sim.ClearLog(host)
+z:Execute("ECHO one")
+assert(z:ExecuteEx("ECHO two") == "two\r\n")
+z.WindowState = qvMinimise
+local log = Sim.Log(host)
+local want = {'Execute("ECHO one", 0)', 'ExecuteEx("ECHO two", 0, "")', "WindowState = 4"}
+assert(#log == #want, table.concat(log, " | "))
+for i = 1, #want do assert(log[i] == want[i], log[i]) end
+assert(table.concat(Sim.Commands(host), "|") == "ECHO one|ECHO two")
+
+-- Scripted replies, failing commands and failing members.
+Sim.ScriptReply(host, "print version", "scripted")
+assert(z:ExecuteEx("PRINT VERSION") == "scripted")
+Sim.FailCommand(host, "ECHO three", 1000, "Refused")
+assert(z:ExecuteEx("echo three") == "Error")
+Sim.FailMember(host, "Busy", 70, "Permission denied")
+assert(z.Busy == false)
+Sim.ClearFaults(host)
+Sim.SetBusy(host, true)
+assert(z.Busy == true)
+Sim.SetBusy(host, false)
+
+-- The host's own members, late-bound, without a control in between.
+assert(host.version == 2300 and host.Busy == false)
+host.Visible = false
+assert(host.Visible == false and z.Visible == false)
+local ok, err = pcall(function() return host.NoSuchMember end)
+assert(not ok and err.number == 438)
+
+-- Versions: 0 and values beyond 16 bits mean not connected; text that reads as a number does.
+for _, case in ipairs({{0, false}, {70000, false}, {-5, true}, {"2400", true}}) do
+  Sim.SetVersion(host, case[1])
+  assert(z.Connected == case[2], tostring(case[1]))
+end
+Sim.SetVersion(host, 2300)
+
+-- Exit: a lingering host still answers until it goes away.
+Sim.LingerOnExit(host, true)
+z:ExitZebrin()
+assert(z.Connected and not Sim.Gone(host))
+Sim.GoAway(host)
+assert(Sim.Gone(host) and z.Connected == false)
+ok, err = pcall(function() return host.version end)
+assert(not ok and err.number == 462)
+ok, err = pcall(GetObject, "Zebrin.Document")
+assert(not ok and err.number == 429, tostring(err))
+
+-- Tarvik's state, as its commands leave it.
+local t = CreateObject("QorvelOLE.Tarvik3")
+t:Connect(qvStartTarvik)
+local tarvik = Sim.LastStarted("Tarvik.Document")
+assert(#Sim.Started() == 2 and Sim.Started()[2] == tarvik)
+assert(not Sim.Block(tarvik).defined and Sim.Units(tarvik) == "MM")
+Sim.LoadModel(tarvik, 0, 0, 0, 10, 20, 30)
+t:SetBlock(qvzmin, -4)
+t:ResizeBlock(1, false, false, false, false, true)
+local block = Sim.Block(tarvik)
+assert(block.defined and block.zmin == -4 and block.zmax == 31 and block.xmin == -1)
+assert(not block.locked.zmin)                      -- ResizeBlock unlocks all at the end
+t.Units = qvINCHES
+assert(Sim.Units(tarvik) == "INCHES")
+Sim.ClearModel(tarvik)
+assert(t.IsModelLoaded == false)
+
+-- Bad arguments to the controls are errors, never a crash.
+ok, err = pcall(Sim.SetVersion, z, 1)
+assert(not ok and err:find("simulated host expected"), err)
+ok, err = pcall(Sim.LoadModel, host, 0, 0, 0, 1, 1, 1)
+assert(not ok and err:find("simulated Tarvik expected"), err)
+ok, err = pcall(Sim.SetActive, tarvik, "toolpath", "nothing")
+assert(not ok and err.number == 5, tostring(err))
+ok, err = pcall(Sim.SetActive, tarvik, "surface", "x")
+assert(not ok and err:find("invalid option"), err)
+print("simulated hosts: ok")
