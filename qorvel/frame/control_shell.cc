@@ -1,9 +1,50 @@
 #include "qorvel/frame/control_shell.h"
 
+#include <cctype>
+
 #include "qorvel/frame/pictures.h"
 #include "qorvel/frame/type_library.h"
 
 namespace qorvel {
+namespace {
+
+std::string Upper(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return out;
+}
+
+bool IsNumber(VarType type) {
+  return type == VarType::kInteger || type == VarType::kLong || type == VarType::kDouble ||
+         type == VarType::kBool;
+}
+
+// Whether a value equals its default, as the bag compares them: numbers by value whatever
+// their type (a Double 0 against the Integer 0), text by its characters.
+bool SameValue(const Variant& a, const Variant& b) {
+  if (IsNumber(a.type()) && IsNumber(b.type())) return a.ToDouble() == b.ToDouble();
+  if (a.type() != b.type()) return false;
+  if (a.type() == VarType::kText) return a.ToText() == b.ToText();
+  return a.type() == VarType::kEmpty || a.type() == VarType::kNull;
+}
+
+}  // namespace
+
+Variant PropertyBag::ReadProperty(std::string_view name, const Variant& default_value) const {
+  auto it = values_.find(Upper(name));
+  return it == values_.end() ? default_value.Deref() : it->second;
+}
+
+void PropertyBag::WriteProperty(std::string_view name, const Variant& value,
+                                const Variant& default_value) {
+  if (SameValue(value.Deref(), default_value.Deref())) {
+    values_.erase(Upper(name));
+  } else {
+    values_[Upper(name)] = value.Deref();
+  }
+}
+
+bool PropertyBag::Contains(std::string_view name) const { return values_.contains(Upper(name)); }
 
 ControlShell::ControlShell(std::string_view class_name)
     : host_control_(SameNameNoCase(class_name, "Zebrin") || SameNameNoCase(class_name, "Tarvik3") ||
@@ -17,12 +58,6 @@ ControlShell::ControlShell(std::string_view class_name)
   }
 }
 
-void ControlShell::SetExtent(float width, float height) {
-  user_control.Width = width;
-  user_control.Height = height;
-  Resize();
-}
-
 void ControlShell::Resize() {
   if (host_control_) {
     user_control.Width = 500.0f;
@@ -31,6 +66,69 @@ void ControlShell::Resize() {
     user_control.Width = Image1->Width;
     user_control.Height = Image1->Height;
   }
+}
+
+bool ControlShell::UserMode() const { return container_ == nullptr || container_->UserMode; }
+
+void ControlShell::PropertyChanged(std::string_view name) {
+  if (container_ != nullptr) container_->NoteChange(name);
+}
+
+Container& Container::RunTime() {
+  static Container* run_time = new Container(/*user_mode=*/true);
+  return *run_time;
+}
+
+void Container::Start(ControlShell& control, const PropertyBag* saved) {
+  control.container_ = this;
+  control.Initialize();
+  if (saved != nullptr) {
+    control.ReadProperties(*saved);
+  } else {
+    control.InitProperties();
+  }
+  SetExtent(control, kFirstExtent, kFirstExtent);
+}
+
+// Terminate can't reach a client that has already let the control go; its failure ends the
+// handler and nothing more.
+void Container::End(ControlShell& control) noexcept {
+  try {
+    control.Terminate();
+  } catch (...) {
+  }
+}
+
+void Container::SetExtent(ControlShell& control, float width, float height) {
+  // A handler that keeps changing the size would be sent Resize without end; the platform's
+  // own recursion has a limit too.
+  constexpr int kMostResizes = 16;
+  control.user_control.Width = width;
+  control.user_control.Height = height;
+  for (int i = 0; i < kMostResizes; ++i) {
+    const UserControl before = control.user_control;
+    control.Resize();
+    if (control.user_control.Width == before.Width &&
+        control.user_control.Height == before.Height) {
+      return;
+    }
+  }
+}
+
+PropertyBag Container::Save(ControlShell& control) {
+  PropertyBag bag;
+  control.WriteProperties(bag);
+  return bag;
+}
+
+std::vector<std::string> Container::property_changes() const {
+  std::lock_guard lock(mu_);
+  return changes_;
+}
+
+void Container::NoteChange(std::string_view name) {
+  std::lock_guard lock(mu_);
+  changes_.emplace_back(name);
 }
 
 }  // namespace qorvel

@@ -1,24 +1,21 @@
 #ifndef QORVEL_FRAME_CONTROL_SHELL_H_
 #define QORVEL_FRAME_CONTROL_SHELL_H_
 
+#include <cstdint>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "qorvel/platform/variant.h"
 
 namespace qorvel {
 
-// What the container offers a control: the ambient UserMode (false in a form designer) and the
-// property bag it keeps for the control.
-struct Container {
-  bool UserMode = true;
-  std::map<std::string, Variant> property_bag;
-};
-
-// The control's own surface and its constituent image, sizes in twips.
+// The control's own surface and its constituent image, sizes in twips (1440 to the inch).
 struct UserControl {
   float Width = 0;
   float Height = 0;
@@ -32,23 +29,105 @@ struct Image {
   std::span<const uint8_t> Picture;
 };
 
-// The shell every control shares: its size rules and its container. Host controls keep 500 by
-// 500 whatever is asked; the surface controls take the size of their Image1.
+// The saved state of one control, by property name (any case). A value equal to its default
+// is left out, and a missing name reads as the default, so the two must be given alike.
+class PropertyBag {
+ public:
+  Variant ReadProperty(std::string_view name, const Variant& default_value = Variant()) const;
+  void WriteProperty(std::string_view name, const Variant& value,
+                     const Variant& default_value = Variant());
+  bool Contains(std::string_view name) const;
+  size_t size() const { return values_.size(); }
+
+ private:
+  std::map<std::string, Variant> values_;  // by upper-cased name
+};
+
+class Container;
+
+// What every control shares as a control: its surface, its Image1 if it has one, the events
+// its container sends and the ambient properties it reads. A control overrides the handlers
+// it has; the default Resize keeps the fixed sizes: 500 by 500 for the host controls, the size
+// of Image1 for the controls that hold one, and the other controls as they are asked.
 class ControlShell {
  public:
   explicit ControlShell(std::string_view class_name);
+  virtual ~ControlShell() = default;
+  ControlShell(const ControlShell&) = delete;
+  ControlShell& operator=(const ControlShell&) = delete;
 
-  // The container gives the control an extent, then sends Resize.
-  void SetExtent(float width, float height);
-  // The control's Resize handler.
-  void Resize();
+  virtual void Initialize() {}
+  virtual void InitProperties() {}
+  virtual void ReadProperties(const PropertyBag& /*bag*/) {}
+  virtual void WriteProperties(PropertyBag& /*bag*/) {}
+  virtual void Resize();
+  virtual void Terminate() {}
 
-  Container container;
+  // The container's ambient UserMode: true at run time, false in a form designer. A control
+  // not sited yet is taken to run.
+  bool UserMode() const;
+  // Tells the container that a saved property has changed, so it has something to save.
+  void PropertyChanged(std::string_view name);
+  Container* container() const { return container_; }
+
   UserControl user_control;
   std::optional<Image> Image1;  // only the two surface controls have one
 
  private:
+  friend class Container;
+  Container* container_ = nullptr;
   bool host_control_;
+};
+
+// A form that holds controls: it creates them, sends them their events, offers the ambient
+// UserMode and keeps what they save. It must outlive the controls sited in it.
+class Container {
+ public:
+  explicit Container(bool user_mode = true) : UserMode(user_mode) {}
+  Container(const Container&) = delete;
+  Container& operator=(const Container&) = delete;
+
+  // The run-time container of the process, where controls that nobody placed elsewhere sit,
+  // CreateObject's among them. It is never destroyed.
+  static Container& RunTime();
+
+  // Sites a new control: Initialize, then InitProperties, or ReadProperties when `saved` holds
+  // its saved state, then its first extent with Resize. Its owner sends Terminate, once, when
+  // the last reference goes. A failure of Initialize or of the first Resize reaches the caller
+  // and the control is dropped without Terminate.
+  template <class Control>
+  std::shared_ptr<Control> Site(std::unique_ptr<Control> control,
+                                const PropertyBag* saved = nullptr) {
+    Start(*control, saved);
+    return std::shared_ptr<Control>(control.release(), [](Control* c) {
+      End(*c);
+      delete c;
+    });
+  }
+
+  // A new extent, as the container or a designer's user asks for it, then Resize; a handler
+  // that changes the size again gets one more Resize for each change, as the platform sends it.
+  static void SetExtent(ControlShell& control, float width, float height);
+  // The control's state for saving: WriteProperties into a new bag.
+  static PropertyBag Save(ControlShell& control);
+
+  // The ambient UserMode that the controls read.
+  bool UserMode;
+  // The names the controls reported changed through PropertyChanged, in order.
+  std::vector<std::string> property_changes() const;
+
+ private:
+  friend class ControlShell;
+
+  // The extent a new control gets before its first Resize.
+  static constexpr float kFirstExtent = 2400;
+
+  void Start(ControlShell& control, const PropertyBag* saved);
+  static void End(ControlShell& control) noexcept;
+  void NoteChange(std::string_view name);
+
+  mutable std::mutex mu_;  // controls of several threads may share the run-time container
+  std::vector<std::string> changes_;
 };
 
 }  // namespace qorvel

@@ -5,46 +5,196 @@
 #include "hosts/simulators.h"
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/host_link.h"
+#include "qorvel/frame/registration.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/error_testing.h"
 #include "qorvel/session/zebrin_face.h"
 
 namespace qorvel {
 namespace {
 
+// A control that records the events its container sends.
+class Recorder : public ControlShell {
+ public:
+  explicit Recorder(std::string_view class_name, std::vector<std::string>* events = nullptr)
+      : ControlShell(class_name), events_(events ? events : &own_) {}
+
+  std::string fail_on;  // the event whose handler raises
+
+  void Initialize() override { Note("Initialize"); }
+  void InitProperties() override { Note("InitProperties"); }
+  void ReadProperties(const PropertyBag& bag) override {
+    Note("ReadProperties " + bag.ReadProperty("Value", int16_t{0}).ToText());
+  }
+  void WriteProperties(PropertyBag& bag) override {
+    Note("WriteProperties");
+    bag.WriteProperty("Value", 2.5, int16_t{0});
+  }
+  void Resize() override {
+    Note("Resize");
+    ControlShell::Resize();
+  }
+  void Terminate() override { Note("Terminate"); }
+
+  std::vector<std::string>& events() { return *events_; }
+
+ private:
+  void Note(std::string event) {
+    if (fail_on == event) Raise(err::kInvalidCall);
+    events_->push_back(std::move(event));
+  }
+
+  std::vector<std::string> own_;
+  std::vector<std::string>* events_;
+};
+
 TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
   struct Case {
     const char* control;
     float width, height;
-  } cases[] = {{"Zebrin", 500, 500},
-               {"Tarvik3", 500, 500},
-               {"Ulmora27", 500, 500},
-               {"UlmoraNearestPoints", 480, 480},
-               {"UlmoraSurfaceInfo", 480, 480},
-               {"ValueBox", 1234, 321}};
+    bool picture_on_user_control, has_image;
+  } cases[] = {{"Zebrin", 500, 500, true, false},
+               {"Tarvik3", 500, 500, true, false},
+               {"Ulmora27", 500, 500, true, false},
+               {"UlmoraNearestPoints", 480, 480, false, true},
+               {"UlmoraSurfaceInfo", 480, 480, false, true},
+               {"ValueBox", 1234, 321, false, false}};
   for (const Case& c : cases) {
-    ControlShell shell(c.control);
-    shell.SetExtent(1234, 321);
-    EXPECT_EQ(shell.user_control.Width, c.width) << c.control;
-    EXPECT_EQ(shell.user_control.Height, c.height) << c.control;
-    EXPECT_EQ(shell.user_control.Picture.empty() && !shell.Image1,
-              std::string(c.control) == "ValueBox");
-    shell.Resize();  // a resize caused by the handler's own change ends in the same place
-    EXPECT_EQ(shell.user_control.Width, c.width) << c.control;
+    SCOPED_TRACE(c.control);
+    Recorder control(c.control);
+    Container::SetExtent(control, 1234, 321);
+    EXPECT_EQ(control.user_control.Width, c.width);
+    EXPECT_EQ(control.user_control.Height, c.height);
+    EXPECT_EQ(!control.user_control.Picture.empty(), c.picture_on_user_control);
+    EXPECT_EQ(control.Image1.has_value(), c.has_image);
+    if (c.has_image) {
+      EXPECT_FALSE(control.Image1->Picture.empty());
+    }
+    // The handler's own change brings one more Resize, which sets the same size and ends there;
+    // a control free in size gets the one.
+    const size_t resizes = c.width == 1234 ? 1 : 2;
+    EXPECT_EQ(control.events(), std::vector<std::string>(resizes, "Resize"));
+    control.events().clear();
+    Container::SetExtent(control, c.width, c.height);
+    EXPECT_EQ(control.events().size(), 1u);
   }
 }
 
-TEST(ControlShellTest, TerminateOfOneInstanceDisconnectsTheOthers) {
-  ScopedEnv env;
-  HostLink::Of(Host::kZebrin).Clear();
+TEST(ControlShellTest, ImageControlsFollowTheirImageNotTheAskedSize) {
+  Recorder control("UlmoraSurfaceInfo");
+  control.Image1->Width = 300;  // only one axis changed: the other stays at the picture's
+  Container::SetExtent(control, 500, 500);
+  EXPECT_EQ(control.user_control.Width, 300);
+  EXPECT_EQ(control.user_control.Height, 480);
+}
+
+TEST(ControlShellTest, ContainerSendsTheEventsInOrder) {
+  Container designer(/*user_mode=*/false);
+  std::vector<std::string> events;
+  auto fresh = designer.Site(std::make_unique<Recorder>("ValueBox", &events));
+  EXPECT_FALSE(fresh->UserMode());
+  EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "InitProperties", "Resize"}));
+
+  const PropertyBag saved = Container::Save(*fresh);
+  EXPECT_EQ(saved.ReadProperty("value").ToDouble(), 2.5);
+  events.clear();
+  auto loaded = designer.Site(std::make_unique<Recorder>("ValueBox", &events), &saved);
+  EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "ReadProperties 2.5", "Resize"}));
+
+  events.clear();
+  fresh.reset();
+  loaded.reset();
+  EXPECT_EQ(events, (std::vector<std::string>{"Terminate", "Terminate"}));
+}
+
+TEST(ControlShellTest, AFailedStartRaisesAndSendsNoTerminate) {
+  for (const char* failing : {"Initialize", "Resize"}) {
+    std::vector<std::string> events;
+    auto control = std::make_unique<Recorder>("Zebrin", &events);
+    control->fail_on = failing;
+    EXPECT_EQ(ErrorOf([&] { Container::RunTime().Site(std::move(control)); }), 5) << failing;
+    EXPECT_EQ(std::count(events.begin(), events.end(), "Terminate"), 0) << failing;
+  }
+  std::vector<std::string> events;
+  auto control = std::make_unique<Recorder>("Zebrin", &events);
+  control->fail_on = "Terminate";
+  Container::RunTime().Site(std::move(control)).reset();  // swallowed: nobody to tell
+}
+
+TEST(ControlShellTest, AmbientUserModeAndPropertyChanges) {
+  Container form;
+  auto control = form.Site(std::make_unique<Recorder>("ValueBox"));
+  EXPECT_TRUE(control->UserMode());
+  form.UserMode = false;
+  EXPECT_FALSE(control->UserMode());
+  control->PropertyChanged("DecimalPlaces");
+  control->PropertyChanged("ReadOnly");
+  EXPECT_EQ(form.property_changes(), (std::vector<std::string>{"DecimalPlaces", "ReadOnly"}));
+  EXPECT_TRUE(Container::RunTime().UserMode);
+  EXPECT_TRUE(Recorder("ValueBox").UserMode());  // not sited: taken to run
+}
+
+TEST(ControlShellTest, PropertyBagLeavesOutDefaults) {
+  PropertyBag bag;
+  bag.WriteProperty("Value", 0.0, int16_t{0});  // a Double 0 equals the Integer default
+  bag.WriteProperty("DecimalPlaces", int16_t{6}, int16_t{6});
+  bag.WriteProperty("ReadOnly", VariantBool::kFalse, false);
+  EXPECT_EQ(bag.size(), 0u);
+  EXPECT_EQ(bag.ReadProperty("DecimalPlaces", int16_t{6}).vt(), 2);
+  EXPECT_EQ(bag.ReadProperty("DecimalPlaces", int16_t{6}).ToLong(), 6);
+
+  bag.WriteProperty("Value", 1.25, int16_t{0});
+  bag.WriteProperty("ReadOnly", VariantBool::kTrue, false);
+  bag.WriteProperty("Caption", "", "");
+  EXPECT_TRUE(bag.Contains("VALUE"));
+  EXPECT_EQ(bag.ReadProperty("value", int16_t{0}).vt(), 5);
+  EXPECT_EQ(bag.ReadProperty("value", int16_t{0}).ToDouble(), 1.25);
+  EXPECT_EQ(bag.ReadProperty("ReadOnly", false).ToBool(), VariantBool::kTrue);
+  EXPECT_EQ(bag.size(), 2u);
+
+  bag.WriteProperty("Value", int32_t{0}, int16_t{0});  // back to the default: the key goes
+  EXPECT_FALSE(bag.Contains("Value"));
+  EXPECT_EQ(bag.ReadProperty("Missing").vt(), 0);
+}
+
+class HostControlLifeTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    HostLink::Of(Host::kZebrin).Clear();
+    RegisterClassFactory("Zebrin", NewZebrinObject);
+    DllRegisterServer();
+  }
+  ScopedEnv env_;
+};
+
+TEST_F(HostControlLifeTest, TerminateOfOneInstanceDisconnectsTheOthers) {
   auto host = hosts::RunZebrin();
-  AutomationObject first = NewZebrinObject();
-  AutomationObject second = NewZebrinObject();
+  AutomationObject first = CreateObject("QorvelOLE.Zebrin");
+  AutomationObject second = CreateObject("QorvelOLE.Zebrin");
+  EXPECT_EQ(std::dynamic_pointer_cast<ClassObject>(first)->user_control.Width, 500);
   Call(first, "Connect");
+  Call(second, "Execute", "BEFORE");
   EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kTrue);
-  EXPECT_EQ(std::dynamic_pointer_cast<ClassObject>(first)->shell().user_control.Width, 500);
+
   first.reset();  // the container destroys it: Terminate runs Disconnect
+  host->ClearLog();
+  Call(second, "Execute", "AFTER");
   EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kFalse);
-  EXPECT_TRUE(env.env().messages().shown().empty());
+  EXPECT_TRUE(host->log().empty());  // the link is empty under the second one too
+  EXPECT_FALSE(host->exited);        // the host goes on running
+  EXPECT_TRUE(env_.env().messages().shown().empty());
+
+  Call(second, "Connect");  // its flag is false already: one Connect binds again
+  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kTrue);
+}
+
+TEST_F(HostControlLifeTest, DestroyedWithoutAHostDoesNothingVisible) {
+  AutomationObject zebrin = CreateObject("QorvelOLE.Zebrin");
+  EXPECT_EQ(GetMember(zebrin, "version").ToLong(), 0);
+  zebrin.reset();
+  EXPECT_TRUE(env_.env().messages().shown().empty());
+  EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
+  EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
 }  // namespace

@@ -51,25 +51,44 @@ MemberKind KindOf(CallKind kind) {
 std::mutex factories_mu;
 std::map<std::string, std::function<AutomationObject()>> factories;
 
+const ClassInfo* PublishedClass(std::string_view name) {
+  const ClassInfo* c = TheTypeLibrary().FindClass(name);
+  if (c == nullptr) Raise(err::kInvalidCall, "No class " + std::string(name) + " in the library");
+  return c;
+}
+
 std::string Lower(std::string_view text) {
   std::string out(text);
   for (char& c : out) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return out;
 }
 
+// The default value of a key as text; empty when it isn't there or isn't text.
+std::string ClassesRootText(const std::string& key) {
+  const std::optional<RegValue> value =
+      Env::Current().registry().GetValue(HKEY_CLASSES_ROOT, key, "");
+  if (!value || (value->type != REG_SZ && value->type != REG_EXPAND_SZ)) return "";
+  std::string text(value->data.begin(), value->data.end());
+  return text.substr(0, text.find('\0'));
+}
+
 }  // namespace
 
 ClassObject::ClassObject(std::string_view class_name)
-    : class_(TheTypeLibrary().FindClass(class_name)),
-      interface_(TheTypeLibrary().FindInterface(class_->default_interface)),
-      shell_(class_name) {
+    : ControlShell(class_name),
+      class_(PublishedClass(class_name)),
+      interface_(TheTypeLibrary().FindInterface(class_->default_interface)) {
   ObjectCreated();
 }
 
 ClassObject::~ClassObject() { ObjectDestroyed(); }
 
 void ClassObject::Bind(std::string_view name, MemberKind kind, Handler handler) {
-  handlers_[FindMember(*interface_, name, kind)] = std::move(handler);
+  const MemberInfo* member = FindMember(*interface_, name, kind);
+  if (member == nullptr) {
+    Raise(err::kInvalidCall, interface_->name + " has no row for " + std::string(name));
+  }
+  handlers_[member] = std::move(handler);
 }
 
 // A method call may read a property, and a property read may call a method, as automation
@@ -145,13 +164,15 @@ std::function<AutomationObject()> FactoryOf(const std::string& class_name) {
 }
 
 AutomationObject CreateObject(std::string_view prog_id) {
-  const std::optional<RegValue> clsid =
-      Env::Current().registry().GetValue(HKEY_CLASSES_ROOT, std::string(prog_id) + "\\CLSID", "");
-  if (!clsid || clsid->data.empty()) Raise(err::kCantCreate);
-  const std::string text(clsid->data.begin(), clsid->data.end() - 1);
+  const std::string clsid = ClassesRootText(std::string(prog_id) + "\\CLSID");
+  if (clsid.empty() || ClassesRootText("CLSID\\" + clsid + "\\InprocServer32").empty()) {
+    Raise(err::kCantCreate);
+  }
   for (const ClassInfo& c : TheTypeLibrary().classes) {
     ClassFactory factory;
-    if (ToString(c.guid) == text && DllGetClassObject(c.guid, &factory) == S_OK) return factory();
+    if (SameNameNoCase(ToString(c.guid), clsid) && DllGetClassObject(c.guid, &factory) == S_OK) {
+      return factory();
+    }
   }
   Raise(err::kCantCreate);
 }

@@ -16,10 +16,12 @@
 namespace qorvel {
 
 // An instance of a published class, reachable by member name (without regard to case) or by
-// DISPID. Arguments arrive in the caller's order; each is converted to its parameter's type, an
-// omitted optional one takes its default (0 when it has none), and by-reference ones are
-// written back to the caller's variables after the call.
-class ClassObject : public Dispatch {
+// DISPID, and sited as a control in a container. Arguments arrive in the caller's order; each
+// is converted to its parameter's type (13 when it can't be). An omitted optional argument,
+// left off the end or passed as Empty, takes its default, 0 when it has none. By-reference
+// arguments that point at the caller's variables get the final values after the call, omitted
+// ones included. Unknown members raise 438, a wrong number of arguments 450.
+class ClassObject : public Dispatch, public ControlShell {
  public:
   // The converted arguments of one call, in declaration order; a handler changes by-reference
   // ones in place.
@@ -35,14 +37,12 @@ class ClassObject : public Dispatch {
 
   const ClassInfo& class_info() const { return *class_; }
   const InterfaceInfo& interface_info() const { return *interface_; }
-  // The control's shell, sited in its container; a plain class has one it doesn't use.
-  ControlShell& shell() { return shell_; }
+  // Whether a row of the default interface has code bound to it.
+  bool IsBound(const MemberInfo& member) const { return handlers_.contains(&member); }
 
  protected:
-  // A control's creation as the container does it: Initialize (the caller's), then an extent
-  // and its Resize.
-  void Site() { shell_.SetExtent(2400, 2400); }
-  // Binds a member's row to the code that runs it.
+  // Binds a row of the default interface to the code that runs it; a row that isn't in the
+  // table is a fault of the binding and raises 5 naming it.
   void Bind(std::string_view name, MemberKind kind, Handler handler);
 
   // The session members that the host controls share, bound alike on each.
@@ -75,16 +75,18 @@ class ClassObject : public Dispatch {
 
   const ClassInfo* class_;
   const InterfaceInfo* interface_;
-  ControlShell shell_;
   std::map<const MemberInfo*, Handler> handlers_;
 };
 
-// Creates a published class by its programmatic name ("QorvelOLE.Zebrin"), found through the
-// registry as a client's runtime finds it; 429 when the name isn't registered or the class
-// isn't built yet.
+// Creates a published class by its programmatic name ("QorvelOLE.Zebrin", any case), found
+// through the registry as a client's runtime finds it: the ProgID's CLSID, that class's
+// InprocServer32 entry, then the library's class factory. Raises 429 when the name or its class
+// isn't registered, or the class isn't built yet. A control comes sited in the run-time
+// container: Initialize and Resize have run, and Terminate runs when the last reference goes.
 AutomationObject CreateObject(std::string_view prog_id);
 
-// Makes a built class creatable; FactoryOf gives an empty function for a class not built.
+// Makes a built class creatable: `make` gives a new instance, sited in its container (see
+// Container::Site). FactoryOf gives an empty function for a class not built.
 void RegisterClassFactory(const std::string& class_name, std::function<AutomationObject()> make);
 std::function<AutomationObject()> FactoryOf(const std::string& class_name);
 

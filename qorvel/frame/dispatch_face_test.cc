@@ -14,6 +14,11 @@
 namespace qorvel {
 namespace {
 
+// A property read with its index arguments.
+Variant Get(const AutomationObject& object, std::string_view name, std::vector<Variant> args) {
+  return GetMember(object, name, args);
+}
+
 class DispatchFaceTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -87,10 +92,83 @@ TEST_F(DispatchFaceTest, ByReferenceArgumentsAreWrittenBack) {
   EXPECT_EQ(by_value[0].ToText(), "A");
 }
 
+TEST_F(DispatchFaceTest, EveryRowOfTheBuiltClassesIsBound) {
+  for (const auto& object : {zebrin_, tarvik_}) {
+    for (const MemberInfo& m : object->interface_info().members) {
+      EXPECT_TRUE(object->IsBound(m)) << object->class_info().name << "." << m.name;
+    }
+  }
+}
+
+TEST_F(DispatchFaceTest, MethodsAndPropertyReadsStandInForEachOther) {
+  Call(zebrin_, "Connect");
+  EXPECT_EQ(Call(zebrin_, "Connected").ToBool(), VariantBool::kTrue);  // a get called as method
+  zebrin_host_->ClearLog();
+  EXPECT_EQ(Get(zebrin_, "ExecuteEx", {"PRINT"}).vt(), 8);
+  EXPECT_EQ(zebrin_host_->commands().size(), 1u);
+  EXPECT_EQ(ErrorOf([&] { SetMember(zebrin_, "Connected", true); }), 438);  // no put
+  EXPECT_EQ(ErrorOf([&] { SetMember(zebrin_, "Execute", "X"); }), 438);
+  EXPECT_EQ(ErrorOf([&] { Call(zebrin_, "InformationWindow", true); }), 438);
+  std::vector<Variant> none;
+  EXPECT_EQ(ErrorOf([&] { zebrin_->InvokeId(0x12345, CallKind::kMethod, none); }), 438);
+}
+
+TEST_F(DispatchFaceTest, ArgumentsConvertByTheAutomationRules) {
+  Call(tarvik_, "Connect");
+  tarvik_host_->ClearLog();
+  SetMember(tarvik_, "WindowState", "2");  // text to an enumeration
+  SetMember(tarvik_, "Units", 1.5);        // rounds half to even: 2 is no UnitsType, ignored
+  EXPECT_EQ(tarvik_host_->window_state, 2);
+  EXPECT_EQ(GetMember(tarvik_, "Units").ToLong(), 0);
+  EXPECT_EQ(Get(tarvik_, "BlockSize", {"1"}).vt(), 5);
+  EXPECT_EQ(ErrorOf([&] { GetMember(tarvik_, "BlockSize"); }), 450);
+  std::vector<Variant> index{1};
+  EXPECT_EQ(ErrorOf([&] { SetMember(tarvik_, "Units", Variant(), index); }), 450);
+  // A by-reference argument that can't convert fails the call before it runs and keeps the
+  // caller's variable as it was.
+  std::string length = "long";
+  std::vector<Variant> args{int32_t{0}, 6.0, Variant::Ref(length)};
+  tarvik_host_->ClearLog();
+  EXPECT_EQ(ErrorOf([&] { CallMember(tarvik_, "DefineTool", args); }), 13);
+  EXPECT_EQ(length, "long");
+  EXPECT_TRUE(tarvik_host_->commands().empty());
+}
+
+TEST_F(DispatchFaceTest, OmittedByReferenceArgumentsComeBackAsTheirDefaults) {
+  Call(tarvik_, "Connect");
+  Variant length, tip, number, name = "T1";
+  std::vector<Variant> args{
+      int32_t{0}, 6.0,       Variant::Ref(length), Variant::Ref(tip), Variant(), Variant(),
+      Variant(),  Variant(), Variant::Ref(number), Variant::Ref(name)};
+  CallMember(tarvik_, "DefineTool", args);
+  EXPECT_EQ(length.vt(), 5);
+  EXPECT_EQ(length.ToDouble(), -1);
+  EXPECT_EQ(number.vt(), 3);
+  EXPECT_EQ(number.ToLong(), -1);
+  EXPECT_EQ(name.ToText(), "T1");
+  int16_t status = 7;  // a typed variable keeps its type: Connect reads it only
+  std::vector<Variant> connect{Variant::Ref(status)};
+  CallMember(zebrin_, "Connect", connect);
+  EXPECT_EQ(status, 7);
+}
+
+TEST_F(DispatchFaceTest, ABindingForARowThatIsntThereIsRefused) {
+  struct Stray : ClassObject {
+    Stray() : ClassObject("Zebrin") {
+      Bind("ExitTarvik", MemberKind::kMethod, [](Args&) { return Variant(); });
+    }
+  };
+  EXPECT_EQ(ErrorOf([] { Stray stray; }), 5);
+  EXPECT_EQ(ErrorOf([] { ClassObject nothing("Nothing"); }), 5);
+}
+
 TEST_F(DispatchFaceTest, ReleasingTheLastReferenceTerminates) {
   Call(zebrin_, "Connect");
   EXPECT_FALSE(HostLink::Of(Host::kZebrin).empty());
+  AutomationObject copy = zebrin_;
   zebrin_.reset();
+  EXPECT_FALSE(HostLink::Of(Host::kZebrin).empty());  // a reference is left
+  copy.reset();
   EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
 }
 
@@ -98,9 +176,11 @@ TEST_F(DispatchFaceTest, CreateObjectByProgrammaticName) {
   RegisterClassFactory("Zebrin", NewZebrinObject);
   EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);  // not registered yet
   DllRegisterServer();
-  auto object = CreateObject("qorvelole.zebrin");
-  EXPECT_EQ(std::dynamic_pointer_cast<ClassObject>(object)->class_info().name, "Zebrin");
-  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.ValueBox"); }), 429);
+  auto object = std::dynamic_pointer_cast<ClassObject>(CreateObject("qorvelole.zebrin"));
+  ASSERT_NE(object, nullptr);
+  EXPECT_EQ(object->class_info().name, "Zebrin");
+  EXPECT_EQ(object->container(), &Container::RunTime());
+  EXPECT_EQ(object->user_control.Width, 500);
 }
 
 }  // namespace

@@ -4,13 +4,16 @@
 
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/error.h"
 
 namespace qorvel {
 namespace {
 
 constexpr const char* kServerFile = "QorvelOLE.ocx";
-// The automation marshaler that proxies every dual interface.
-constexpr const char* kOleAutomationProxy = "{00020424-0000-0000-C000-000000000046}";
+// The automation marshalers: one for dual interfaces, one for pure dispatch interfaces, as
+// type library registration names them.
+constexpr const char* kDualProxy = "{00020424-0000-0000-C000-000000000046}";
+constexpr const char* kDispatchProxy = "{00020420-0000-0000-C000-000000000046}";
 constexpr const char* kLibraryFlagControl = "2";
 
 std::atomic<int> live_objects{0};
@@ -57,7 +60,7 @@ void DropIfEmpty(const std::string& key) {
 
 }  // namespace
 
-int32_t DllRegisterServer() {
+int32_t DllRegisterServer() try {
   const TypeLibrary& lib = TheTypeLibrary();
   const std::string lib_key = "TypeLib\\" + ToString(lib.guid) + "\\1.0";
   Set(lib_key, "", lib.help_string);
@@ -68,17 +71,23 @@ int32_t DllRegisterServer() {
   for (const InterfaceInfo& i : lib.interfaces) {
     const std::string key = "Interface\\" + ToString(i.guid);
     Set(key, "", i.name);
-    Set(key + "\\ProxyStubClsid32", "", kOleAutomationProxy);
+    const char* proxy = i.events ? kDispatchProxy : kDualProxy;
+    Set(key + "\\ProxyStubClsid", "", proxy);
+    Set(key + "\\ProxyStubClsid32", "", proxy);
     Set(key + "\\TypeLib", "", ToString(lib.guid));
     Set(key + "\\TypeLib", "Version", "1.0");
   }
   return S_OK;
+} catch (const Error&) {
+  return SELFREG_E_CLASS;
 }
 
-int32_t DllUnregisterServer() {
+int32_t DllUnregisterServer() try {
   const TypeLibrary& lib = TheTypeLibrary();
   Registry& registry = Env::Current().registry();
-  registry.DeleteKey(HKEY_CLASSES_ROOT, "TypeLib\\" + ToString(lib.guid));
+  const std::string lib_key = "TypeLib\\" + ToString(lib.guid);
+  registry.DeleteKey(HKEY_CLASSES_ROOT, lib_key + "\\1.0");
+  DropIfEmpty(lib_key);  // other versions of the library stay
   for (const ClassInfo& c : lib.classes) {
     registry.DeleteKey(HKEY_CLASSES_ROOT, "CLSID\\" + ToString(c.guid));
     registry.DeleteKey(HKEY_CLASSES_ROOT, lib.name + "." + c.name);
@@ -88,6 +97,8 @@ int32_t DllUnregisterServer() {
   }
   for (const char* parent : {"TypeLib", "CLSID", "Interface"}) DropIfEmpty(parent);
   return S_OK;
+} catch (const Error&) {
+  return SELFREG_E_CLASS;
 }
 
 int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory) {
@@ -104,7 +115,16 @@ int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory) {
 
 int32_t DllCanUnloadNow() { return live_objects == 0 && locks == 0 ? S_OK : S_FALSE; }
 
-void LockServer(bool lock) { locks += lock ? 1 : -1; }
+// An unlock without a lock is ignored, so it can't keep the library loaded for ever.
+void LockServer(bool lock) {
+  if (lock) {
+    ++locks;
+    return;
+  }
+  int held = locks.load();
+  while (held > 0 && !locks.compare_exchange_weak(held, held - 1)) {
+  }
+}
 void ObjectCreated() { ++live_objects; }
 void ObjectDestroyed() { --live_objects; }
 

@@ -4,6 +4,7 @@
 
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/error_testing.h"
 #include "qorvel/session/zebrin_face.h"
 
 namespace qorvel {
@@ -14,52 +15,132 @@ std::string Text(const std::string& key, const std::string& name = "") {
   return value ? std::string(value->data.begin(), value->data.end() - 1) : "<none>";
 }
 
+const ClassInfo& ClassNamed(std::string_view name) { return *TheTypeLibrary().FindClass(name); }
+
 TEST(RegistrationTest, WritesTheClassesAndTheirProgrammaticNames) {
   ScopedEnv env;
   EXPECT_EQ(DllRegisterServer(), S_OK);
   const TypeLibrary& lib = TheTypeLibrary();
+  const std::string libid = ToString(lib.guid);
   for (const ClassInfo& c : lib.classes) {
-    const std::string clsid = ToString(c.guid);
-    EXPECT_EQ(Text("QorvelOLE." + c.name + "\\CLSID"), clsid);
-    EXPECT_EQ(Text("CLSID\\" + clsid + "\\ProgID"), "QorvelOLE." + c.name);
-    EXPECT_EQ(Text("CLSID\\" + clsid + "\\InprocServer32", "ThreadingModel"), "Apartment");
-    EXPECT_EQ(env.env().registry().KeyExists(HKEY_CLASSES_ROOT, "CLSID\\" + clsid + "\\Control"),
-              c.control);
+    SCOPED_TRACE(c.name);
+    const std::string key = "CLSID\\" + ToString(c.guid);
+    EXPECT_EQ(Text(key), c.name);
+    EXPECT_EQ(Text("QorvelOLE." + c.name), c.name);
+    EXPECT_EQ(Text("QorvelOLE." + c.name + "\\CLSID"), ToString(c.guid));
+    EXPECT_EQ(Text(key + "\\ProgID"), "QorvelOLE." + c.name);
+    EXPECT_EQ(Text(key + "\\InprocServer32"), "QorvelOLE.ocx");
+    EXPECT_EQ(Text(key + "\\InprocServer32", "ThreadingModel"), "Apartment");
+    EXPECT_EQ(Text(key + "\\TypeLib"), libid);
+    EXPECT_EQ(Text(key + "\\Version"), "1.0");
+    EXPECT_EQ(env.env().registry().KeyExists(HKEY_CLASSES_ROOT, key + "\\Control"), c.control);
+    EXPECT_EQ(env.env().registry().KeyExists(HKEY_CLASSES_ROOT, key + "\\MiscStatus"), c.control);
   }
-  const std::string zebrin = "CLSID\\" + ToString(lib.FindClass("Zebrin")->guid);
-  EXPECT_EQ(Text(zebrin + "\\MiscStatus\\1"), std::to_string(0x24591));
-  EXPECT_EQ(Text(zebrin + "\\ToolboxBitmap32"), "QorvelOLE.ocx, 30005");
-  EXPECT_EQ(Text("TypeLib\\" + ToString(lib.guid) + "\\1.0"), "Halvern Qorvel OLE control");
+  struct {
+    const char* name;
+    const char* misc_status;
+    const char* bitmap;
+  } controls[] = {{"Zebrin", "148881", "QorvelOLE.ocx, 30005"},
+                  {"UlmoraSurfaceInfo", "132497", "QorvelOLE.ocx, 30001"},
+                  {"ValueBox", "131473", "QorvelOLE.ocx, 30000"}};
+  for (const auto& c : controls) {
+    const std::string key = "CLSID\\" + ToString(ClassNamed(c.name).guid);
+    EXPECT_EQ(Text(key + "\\MiscStatus\\1"), c.misc_status) << c.name;
+    EXPECT_EQ(Text(key + "\\ToolboxBitmap32"), c.bitmap) << c.name;
+  }
+  EXPECT_EQ(Text("TypeLib\\" + libid + "\\1.0"), "Halvern Qorvel OLE control");
+  EXPECT_EQ(Text("TypeLib\\" + libid + "\\1.0\\0\\win32"), "QorvelOLE.ocx");
+  EXPECT_EQ(Text("TypeLib\\" + libid + "\\1.0\\FLAGS"), "2");
+}
+
+TEST(RegistrationTest, InterfacesNameTheirMarshaler) {
+  ScopedEnv env;
+  DllRegisterServer();
+  const TypeLibrary& lib = TheTypeLibrary();
+  ASSERT_EQ(lib.interfaces.size(), 13u);
+  for (const InterfaceInfo& i : lib.interfaces) {
+    const std::string key = "Interface\\" + ToString(i.guid);
+    EXPECT_EQ(Text(key), i.name);
+    EXPECT_EQ(Text(key + "\\ProxyStubClsid32"), i.events ? "{00020420-0000-0000-C000-000000000046}"
+                                                         : "{00020424-0000-0000-C000-000000000046}")
+        << i.name;
+    EXPECT_EQ(Text(key + "\\TypeLib"), ToString(lib.guid));
+    EXPECT_EQ(Text(key + "\\TypeLib", "Version"), "1.0");
+  }
 }
 
 TEST(RegistrationTest, UnregisterRemovesExactlyWhatWasWritten) {
+  struct Case {
+    const char* what;
+    std::vector<std::pair<std::string, std::string>> keys;  // key, default value
+  };
+  const std::string libid = ToString(TheTypeLibrary().guid);
+  const Case cases[] = {
+      {"an empty registry", {}},
+      {"neighbours",
+       {{"CLSID\\{00000000-0000-0000-0000-000000000001}", "Someone else"},
+        {"Interface\\{00000000-0000-0000-0000-000000000002}", "IOther"},
+        {".txt", "txtfile"},
+        {"QorvelOLE.Zebrin2", "not ours"}}},
+      {"a parent with a value of its own", {{"CLSID", "root"}}},
+      {"another version of the library", {{"TypeLib\\" + libid + "\\2.0", "Qorvel 2"}}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ScopedEnv env;
+    Registry& registry = env.env().registry();
+    for (const auto& [key, value] : c.keys) registry.SetString(HKEY_CLASSES_ROOT, key, "", value);
+    const auto before = registry.KeysBelow(HKEY_CLASSES_ROOT, "");
+    EXPECT_EQ(DllRegisterServer(), S_OK);
+    EXPECT_GT(registry.KeysBelow(HKEY_CLASSES_ROOT, "").size(), before.size() + 50);
+    EXPECT_EQ(DllUnregisterServer(), S_OK);
+    EXPECT_EQ(registry.KeysBelow(HKEY_CLASSES_ROOT, ""), before);
+    for (const auto& [key, value] : c.keys) EXPECT_EQ(Text(key), value);
+    EXPECT_EQ(DllUnregisterServer(), S_OK);  // twice changes nothing more
+    EXPECT_EQ(registry.KeysBelow(HKEY_CLASSES_ROOT, ""), before);
+  }
+}
+
+TEST(RegistrationTest, CreatableOnlyWhileRegistered) {
   ScopedEnv env;
-  Registry& registry = env.env().registry();
-  registry.SetString(HKEY_CLASSES_ROOT, "CLSID\\{00000000-0000-0000-0000-000000000001}", "",
-                     "Someone else");
-  registry.SetString(HKEY_CLASSES_ROOT, ".txt", "", "txtfile");
-  const auto before = registry.KeysBelow(HKEY_CLASSES_ROOT, "");
+  RegisterClassFactory("Zebrin", NewZebrinObject);
+  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);
   DllRegisterServer();
-  EXPECT_GT(registry.KeysBelow(HKEY_CLASSES_ROOT, "").size(), before.size() + 50);
+  EXPECT_NE(CreateObject("qorvelole.zebrin"), nullptr);
+  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Nothing"); }), 429);
+  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.ValueBox"); }), 429);  // not built yet
+  // A ProgID whose class has lost its server entry is no longer creatable.
+  const std::string clsid = ToString(ClassNamed("Zebrin").guid);
+  env.env().registry().DeleteKey(HKEY_CLASSES_ROOT, "CLSID\\" + clsid + "\\InprocServer32");
+  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);
+  DllRegisterServer();
   DllUnregisterServer();
-  EXPECT_EQ(registry.KeysBelow(HKEY_CLASSES_ROOT, ""), before);
+  EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);
 }
 
 TEST(RegistrationTest, ClassObjectsAndUnloading) {
   ScopedEnv env;
   RegisterClassFactory("Zebrin", NewZebrinObject);
   ClassFactory factory;
-  EXPECT_EQ(DllGetClassObject(TheTypeLibrary().FindClass("Zebrin")->guid, &factory), S_OK);
-  EXPECT_EQ(DllGetClassObject(TheTypeLibrary().FindClass("ValueBox")->guid, &factory),
-            CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(DllGetClassObject(ClassNamed("Zebrin").guid, &factory), S_OK);
+  EXPECT_EQ(DllGetClassObject(ClassNamed("ValueBox").guid, &factory), CLASS_E_CLASSNOTAVAILABLE);
   EXPECT_EQ(DllGetClassObject(Guid{1, 2, 3, {4}}, &factory), CLASS_E_CLASSNOTAVAILABLE);
   EXPECT_EQ(DllCanUnloadNow(), S_OK);
   {
-    AutomationObject zebrin = NewZebrinObject();
+    AutomationObject first = factory();
+    AutomationObject second = factory();
+    first.reset();
     EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
   }
+  EXPECT_EQ(DllCanUnloadNow(), S_OK);
   LockServer(true);
+  LockServer(true);
+  LockServer(false);
   EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
+  LockServer(false);
+  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  LockServer(false);  // an unlock too many doesn't hold the library later
+  LockServer(true);
   LockServer(false);
   EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }

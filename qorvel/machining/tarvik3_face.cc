@@ -12,13 +12,12 @@ using Args = ClassObject::Args;
 class Tarvik3Object : public ClassObject {
  public:
   Tarvik3Object() : ClassObject("Tarvik3") {
-    t_.Initialize();
-    Site();
     BindTarvikSession();
     BindBlock();
     BindLists();
   }
-  ~Tarvik3Object() override { t_.Terminate(); }
+  void Initialize() override { t_.Initialize(); }
+  void Terminate() override { t_.Terminate(); }
 
  private:
   void BindTarvikSession() {
@@ -94,6 +93,8 @@ class Tarvik3Object : public ClassObject {
 
 }  // namespace
 
-AutomationObject NewTarvik3Object() { return std::make_shared<Tarvik3Object>(); }
+AutomationObject NewTarvik3Object() {
+  return Container::RunTime().Site(std::make_unique<Tarvik3Object>());
+}
 
 }  // namespace qorvel

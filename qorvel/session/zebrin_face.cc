@@ -12,14 +12,13 @@ using Args = ClassObject::Args;
 class ZebrinObject : public ClassObject {
  public:
   ZebrinObject() : ClassObject("Zebrin") {
-    z_.Initialize();
-    Site();
     BindSession(z_);
     Bind("ExitZebrin", K::kMethod, [this](Args&) { return Done([&] { z_.ExitZebrin(); }); });
     Bind("InformationWindow", K::kPut,
          [this](Args& a) { return Done([&] { z_.SetInformationWindow(a[0].ToBool()); }); });
   }
-  ~ZebrinObject() override { z_.Terminate(); }
+  void Initialize() override { z_.Initialize(); }
+  void Terminate() override { z_.Terminate(); }
 
  private:
   Zebrin z_;
@@ -27,6 +26,8 @@ class ZebrinObject : public ClassObject {
 
 }  // namespace
 
-AutomationObject NewZebrinObject() { return std::make_shared<ZebrinObject>(); }
+AutomationObject NewZebrinObject() {
+  return Container::RunTime().Site(std::make_unique<ZebrinObject>());
+}
 
 }  // namespace qorvel

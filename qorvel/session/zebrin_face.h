@@ -5,8 +5,8 @@
 
 namespace qorvel {
 
-// A new Zebrin control behind the dispatch face: initialised now, terminated when the last
-// reference goes.
+// A new Zebrin control behind the dispatch face, sited in the run-time container: Initialize and
+// Resize have run, and Terminate runs when the last reference goes.
 AutomationObject NewZebrinObject();
 
 }  // namespace qorvel
