@@ -267,7 +267,7 @@ InterfaceInfo SurfaceInfo() {
     members.push_back(M(name, K::kGet, dispid, at({}), P::kBool));
   for (const auto& [name, dispid] : flags) {
     std::vector<ParamInfo> params = at({});
-    params.push_back(Ref("vNewValue", P::kBool));
+    params.push_back(Ref("NewFlag", P::kBool));
     members.push_back(M(name, K::kPut, dispid, params));
   }
   const std::pair<const char*, int32_t> vectors[] = {
@@ -281,15 +281,15 @@ InterfaceInfo SurfaceInfo() {
   members.push_back(M("SetPoint", K::kMethod, 0x6003001c, at({"X", "Y", "Z"})));
   members.push_back(M("CheckParams", K::kMethod, 0x6003001d, at({}), P::kBool));
   members.push_back(M("world", K::kGet, 0x68030001, {}, P::kBool));
-  members.push_back(M("world", K::kPut, 0x68030001, {Val("vNewValue", P::kBool)}));
+  members.push_back(M("world", K::kPut, 0x68030001, {Ref("NewFlag", P::kBool)}));
   members.push_back(M("SurfaceName", K::kGet, 0x68030000, {}, P::kText));
   return Interface("_UlmoraSurfaceInfo", std::move(members));
 }
 
 InterfaceInfo PointClass() {
-  return Interface("_PointClass", {M("X", K::kPut, 0x68030002, {Ref("vNewValue", P::kDouble)}),
-                                   M("Y", K::kPut, 0x68030001, {Ref("vNewValue", P::kDouble)}),
-                                   M("Z", K::kPut, 0x68030000, {Ref("vNewValue", P::kDouble)}),
+  return Interface("_PointClass", {M("X", K::kPut, 0x68030002, {Ref("XCoord", P::kDouble)}),
+                                   M("Y", K::kPut, 0x68030001, {Ref("YCoord", P::kDouble)}),
+                                   M("Z", K::kPut, 0x68030000, {Ref("ZCoord", P::kDouble)}),
                                    M("X", K::kGet, 0x68030002, {}, P::kDouble),
                                    M("Y", K::kGet, 0x68030001, {}, P::kDouble),
                                    M("Z", K::kGet, 0x68030000, {}, P::kDouble)});
@@ -297,15 +297,16 @@ InterfaceInfo PointClass() {
 
 InterfaceInfo ValueBox() {
   const std::string help = "Enter or retrieve the value displayed in the ValueBox";
-  return Interface("_ValueBox",
-                   {Help(M("value", K::kGet, 0x68030004, {}, P::kDouble), help),
-                    M("SetValue", K::kPut, 0x68030003, {Ref("vNewValue", P::kDouble)}),
-                    Help(M("value", K::kPut, 0x68030004, {Ref("vNewValue", P::kDouble)}), help),
-                    M("TextValue", K::kGet, 0x68030002, {}, P::kText),
-                    M("DecimalPlaces", K::kGet, 0x68030001, {}, P::kInteger),
-                    M("DecimalPlaces", K::kPut, 0x68030001, {Val("vNewValue", P::kInteger)}),
-                    M("Readonly", K::kGet, 0x68030000, {}, P::kBool),
-                    M("Readonly", K::kPut, 0x68030000, {Val("vNewValue", P::kBool)})});
+  return Interface(
+      "_ValueBox",
+      {Help(M("value", K::kGet, 0x68030004, {}, P::kDouble), help),
+       M("SetValue", K::kPut, 0x68030003, {Ref("New_value", P::kDouble)}),
+       Help(M("value", K::kPut, 0x68030004, {Ref("New_value", P::kDouble)}), help),
+       M("TextValue", K::kGet, 0x68030002, {}, P::kText),
+       M("DecimalPlaces", K::kGet, 0x68030001, {}, P::kInteger),
+       M("DecimalPlaces", K::kPut, 0x68030001, {Val("New_DecimalPlaces", P::kInteger)}),
+       M("Readonly", K::kGet, 0x68030000, {}, P::kBool),
+       M("Readonly", K::kPut, 0x68030000, {Val("New_ReadOnly", P::kBool)})});
 }
 
 std::vector<InterfaceInfo> EventInterfaces() {

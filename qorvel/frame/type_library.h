@@ -1,6 +1,7 @@
 #ifndef QORVEL_FRAME_TYPE_LIBRARY_H_
 #define QORVEL_FRAME_TYPE_LIBRARY_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -106,6 +107,10 @@ const TypeLibrary& TheTypeLibrary();
 const MemberInfo* FindMember(const InterfaceInfo& iface, std::string_view name, MemberKind kind);
 const MemberInfo* FindMember(const InterfaceInfo& iface, int32_t dispid, MemberKind kind);
 inline constexpr int32_t kFirstEnumMemberId = 0x40000000;
+// The member identifier of the enumeration member at `position` in its table.
+constexpr int32_t EnumMemberId(size_t position) {
+  return kFirstEnumMemberId + static_cast<int32_t>(position);
+}
 
 // Member and class names match without regard to case, as automation lookups do.
 bool SameNameNoCase(std::string_view a, std::string_view b);
