@@ -65,26 +65,54 @@ def ulmora(n):  # a wavy surface edge in green over blue
     return img
 
 
-def nearest(n):  # a curve with points dropped onto it
+def bump(u, v):  # the height of the drawn surface patch, 0 to 1
+    return 0.5 + 0.5 * math.sin(u * math.pi * 1.5) * math.cos(v * math.pi * 0.8)
+
+
+def nearest(n):  # points above a shaded surface, dropped onto it
     img = canvas(n, n, 255)
+
+    def top(x):
+        return int(n * 0.55 - (n / 6) * math.sin(x * math.pi / n * 1.5))
+
     for x in range(n):
-        y = int(n * 0.6 + (n / 6) * math.sin(x * math.pi / n * 1.5))
-        rect(img, x, y, x, y + 1, 40)
+        for y in range(top(x), n):
+            img[y][x] = SURFACE + int(100 * (y - top(x)) / n) + 20
+        rect(img, x, top(x), x, top(x), SURFACE)
     for x in range(n // 6, n, n // 3):
-        y = int(n * 0.6 + (n / 6) * math.sin(x * math.pi / n * 1.5))
-        line(img, x, n // 8, x, y - 2, 150)
-        rect(img, x - 1, n // 8 - 1, x + 1, n // 8 + 1, 200)
+        line(img, x, n // 8 + 2, x, top(x) - 1, 224)
+        rect(img, x - n // 32, n // 8 - n // 32, x + n // 32, n // 8 + n // 32, WARM + 10)
+        rect(img, x - n // 32, top(x) - n // 32, x + n // 32, top(x) + n // 32, WARM + 60)
     return img
 
 
-def surface_info(n):  # a skewed point grid
+def surface_info(n):  # a shaded surface patch with its point grid
     img = canvas(n, n, 255)
-    for i in range(5):
-        t = i / 4
-        line(img, int(n * 0.1 + t * n * 0.5), int(n * 0.2 + t * n * 0.6),
-             int(n * 0.5 + t * n * 0.4), int(n * 0.1 + t * n * 0.5), 60)
-        line(img, int(n * 0.1 + t * n * 0.4), int(n * 0.2 - t * n * 0.1),
-             int(n * 0.5 + t * n * 0.4), int(n * 0.8 - t * n * 0.1), 90)
+    corners = [(0.08, 0.35), (0.55, 0.08), (0.95, 0.55), (0.45, 0.92)]
+
+    def at(u, v):
+        (x0, y0), (x1, y1), (x2, y2), (x3, y3) = corners
+        x = (1 - u) * (1 - v) * x0 + u * (1 - v) * x1 + u * v * x2 + (1 - u) * v * x3
+        y = (1 - u) * (1 - v) * y0 + u * (1 - v) * y1 + u * v * y2 + (1 - u) * v * y3
+        return round(x * (n - 1)), round(y * (n - 1))
+
+    steps = 6 * n
+    for i in range(steps + 1):
+        for j in range(steps + 1):
+            x, y = at(i / steps, j / steps)
+            rect(img, x, y, x, y, SURFACE + 30 + int(90 * bump(i / steps, j / steps)))
+    lines = 2 if n < 24 else 3
+    for k in range(lines + 1):
+        t = k / lines
+        for i in range(steps):
+            for a, b in ((at(t, i / steps), at(t, (i + 1) / steps)),
+                         (at(i / steps, t), at((i + 1) / steps, t))):
+                line(img, a[0], a[1], b[0], b[1], SURFACE)
+    if n >= 24:
+        for k in range(lines + 1):
+            for m in range(lines + 1):
+                x, y = at(k / lines, m / lines)
+                rect(img, x - 1, y - 1, x, y, WARM + 50)
     return img
 
 
@@ -99,21 +127,18 @@ def value_box(n_w, n_h):  # an entry box with a caret
     return img
 
 
+# The 256-colour palette: a cool ramp for surfaces, a warm ramp for points, then greys, so
+# that index 255 is white.
+SURFACE, WARM, GREYS = 0, 128, 192
+
+
 def palette256():
-    # Greys from white down, then the colour cube: index 255 is white.
-    pal = []
-    for i in range(256):
-        if i < 32:
-            pal.append((i * 8, i * 4, 0))          # dark reds
-        elif i < 64:
-            pal.append((0, (i - 32) * 8, 64))      # greens
-        elif i < 128:
-            pal.append((0, 64, (i - 64) * 4))      # blues
-        elif i < 192:
-            pal.append(((i - 128) * 4, 0, 128))    # purples
-        else:
-            v = (i - 192) * 4 + 3
-            pal.append((v, v, v))                  # greys to white
+    def lerp(a, b, t):
+        return tuple(int(a[k] + (b[k] - a[k]) * t) for k in range(3))
+
+    pal = [lerp((0, 40, 80), (170, 230, 255), i / 127) for i in range(128)]
+    pal += [lerp((120, 0, 0), (255, 230, 0), i / 63) for i in range(64)]
+    pal += [lerp((0, 0, 0), (255, 255, 255), i / 63) for i in range(64)]
     return pal
 
 
