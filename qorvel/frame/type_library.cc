@@ -3,10 +3,10 @@
 // for this library and never change.
 #include "qorvel/frame/type_library.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <map>
+
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -394,11 +394,72 @@ const T* FindByName(const std::vector<T>& items, std::string_view name) {
 
 }  // namespace
 
-bool SameNameNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
+bool SameNameNoCase(std::string_view a, std::string_view b) { return EqualsNoCase(a, b); }
+
+VarType AutomationType(ParamType type) {
+  switch (type) {
+    case ParamType::kNone:
+      return VarType::kEmpty;
+    case ParamType::kInteger:
+      return VarType::kInteger;
+    case ParamType::kLong:
+    case ParamType::kEnum:
+      return VarType::kLong;
+    case ParamType::kDouble:
+    case ParamType::kDoubleArray:
+      return VarType::kDouble;
+    case ParamType::kText:
+    case ParamType::kTextArray:
+      return VarType::kText;
+    case ParamType::kBool:
+      return VarType::kBool;
+    case ParamType::kVariant:
+      return VarType::kVariant;
+    case ParamType::kCollection:
+      return VarType::kObject;
+  }
+  return VarType::kEmpty;
+}
+
+uint16_t AutomationVt(const ParamInfo& param) {
+  auto vt = static_cast<uint16_t>(AutomationType(param.type));
+  if (param.type == ParamType::kTextArray || param.type == ParamType::kDoubleArray) {
+    vt |= kArrayFlag;
+  }
+  if (param.by_ref || param.retval) vt |= kByRefFlag;
+  return vt;
+}
+
+uint16_t ParamFlags(const ParamInfo& param) {
+  if (param.retval) return kParamFlagOut | kParamFlagRetval;
+  uint16_t flags = kParamFlagIn;
+  if (param.by_ref) flags |= kParamFlagOut;
+  if (param.optional) flags |= kParamFlagOptional;
+  if (param.has_default) flags |= kParamFlagHasDefault;
+  return flags;
+}
+
+ParamInfo MemberInfo::retval_param() const {
+  ParamInfo p;
+  p.type = result;
+  p.enum_name = result_enum;
+  p.retval = true;
+  return p;
+}
+
+uint16_t InterfaceInfo::type_flags() const {
+  const uint16_t common = kTypeFlagHidden | kTypeFlagNonExtensible | kTypeFlagDispatchable;
+  return events ? common : common | kTypeFlagDual | kTypeFlagOleAutomation;
+}
+
+uint16_t ClassInfo::type_flags() const { return control ? kTypeFlagControl : 0; }
+
+std::vector<ImplementedInterface> ClassInfo::implemented_interfaces() const {
+  std::vector<ImplementedInterface> list = {{default_interface, kImplTypeFlagDefault}};
+  if (!event_interface.empty()) {
+    list.push_back({event_interface, kImplTypeFlagDefault | kImplTypeFlagSource});
+  }
+  return list;
 }
 
 std::string ToString(const Guid& g) {

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "qorvel/platform/variant.h"
+
 namespace qorvel {
 
 struct Guid {
@@ -34,6 +36,27 @@ enum class ParamType {
   kDoubleArray,
 };
 
+// The VARIANT type of a parameter or result as published, without flags: enumerations are
+// 32-bit, a Collection is an IDispatch, and an array gives its element type (AutomationVt adds
+// the array flag). kNone gives kEmpty.
+VarType AutomationType(ParamType type);
+
+// Flags of OLE Automation as a type library records them (TYPEFLAG_, IMPLTYPEFLAG_, PARAMFLAG_).
+inline constexpr uint16_t kTypeFlagCanCreate = 0x2;
+inline constexpr uint16_t kTypeFlagHidden = 0x10;
+inline constexpr uint16_t kTypeFlagControl = 0x20;
+inline constexpr uint16_t kTypeFlagDual = 0x40;
+inline constexpr uint16_t kTypeFlagNonExtensible = 0x80;
+inline constexpr uint16_t kTypeFlagOleAutomation = 0x100;
+inline constexpr uint16_t kTypeFlagDispatchable = 0x1000;  // derives from IDispatch
+inline constexpr uint16_t kImplTypeFlagDefault = 0x1;
+inline constexpr uint16_t kImplTypeFlagSource = 0x2;
+inline constexpr uint16_t kParamFlagIn = 0x1;
+inline constexpr uint16_t kParamFlagOut = 0x2;
+inline constexpr uint16_t kParamFlagRetval = 0x8;
+inline constexpr uint16_t kParamFlagOptional = 0x10;
+inline constexpr uint16_t kParamFlagHasDefault = 0x20;
+
 struct ParamInfo {
   std::string name;
   ParamType type = ParamType::kNone;
@@ -43,7 +66,17 @@ struct ParamInfo {
   bool has_default = false;
   double default_number = 0;  // the default of a numeric or truth-value parameter
   std::string default_text;   // the default of a text parameter
+  bool retval = false;        // the result slot of a vtable signature; see retval_param()
 };
+
+// The full VARIANT code of a parameter as a client passes it through Invoke: 0x6008 for a text
+// array by reference, 0x4005 for a Double by reference, 0x0003 for an enumeration by value. A
+// type library spells the same thing as a TYPEDESC chain (VT_PTR for the reference, VT_SAFEARRAY
+// for the array, VT_USERDEFINED for an enumeration); this is that chain folded into one code.
+uint16_t AutomationVt(const ParamInfo& param);
+// PARAMFLAG_ bits of a parameter: by-reference parameters are in and out, since the member may
+// change the caller's variable; a result slot is out and retval.
+uint16_t ParamFlags(const ParamInfo& param);
 
 enum class MemberKind { kMethod, kGet, kPut };
 
@@ -56,6 +89,12 @@ struct MemberInfo {
   std::string result_enum;  // for a kEnum result
   bool browsable = true;
   std::string help;
+
+  // In the vtable of a dual interface a result is not returned (the HRESULT is) but written
+  // through one more, last parameter marked out and retval; gets and methods alike.
+  bool has_retval() const { return result != ParamType::kNone; }
+  // That last parameter; unnamed, as no client passes it by name. Meaningless without a result.
+  ParamInfo retval_param() const;
 };
 
 struct InterfaceInfo {
@@ -63,6 +102,19 @@ struct InterfaceInfo {
   Guid guid;
   bool events = false;              // a pure dispatch (source) interface
   std::vector<MemberInfo> members;  // in slot order
+
+  // Both kinds derive from IDispatch. A default interface is dual (vtable and Invoke) and
+  // automation-compatible; an event interface is a pure dispatch interface the container
+  // implements. Neither is for browsing, and neither gains members at run time. The flags
+  // include kTypeFlagDispatchable, which the system derives from the base itself.
+  std::string_view base_interface() const { return "IDispatch"; }
+  uint16_t type_flags() const;
+};
+
+// An interface a class lists, with its IMPLTYPEFLAG_ bits.
+struct ImplementedInterface {
+  std::string name;
+  uint16_t flags = 0;
 };
 
 struct ClassInfo {
@@ -73,6 +125,11 @@ struct ClassInfo {
   std::string event_interface;  // empty for none
   uint32_t misc_status = 0;
   int32_t toolbox_bitmap = 0;  // 0 for none
+
+  // The control flag on controls; no class is created through its type information.
+  uint16_t type_flags() const;
+  // The default interface, then the event interface as the default source, when there is one.
+  std::vector<ImplementedInterface> implemented_interfaces() const;
 };
 
 struct EnumInfo {
