@@ -4,6 +4,7 @@
 
 #include "hosts/simulators.h"
 #include "qorvel/frame/host_link.h"
+#include "qorvel/platform/env_testing.h"
 
 namespace {
 

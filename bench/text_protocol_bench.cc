@@ -6,6 +6,7 @@
 #include "qorvel/machining/tarvik3.h"
 #include "qorvel/machining/tarvik_stuff.h"
 #include "qorvel/platform/collection.h"
+#include "qorvel/platform/env_testing.h"
 
 namespace {
 

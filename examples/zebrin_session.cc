@@ -9,6 +9,8 @@
 
 int main() {
   using qorvel::VariantBool;
+  qorvel::PortableEnv env;
+  qorvel::Env::Install(&env);
   qorvel::hosts::InstallSimulatedHosts();
 
   qorvel::Zebrin zebrin;
@@ -38,12 +40,13 @@ int main() {
   }
   zebrin.Terminate();
   std::cout << "after Terminate, connected: " << yes_no(zebrin.Connected()) << "\n";
-  const auto boxes = qorvel::Env::Current().messages().shown();
+  const auto boxes = env.messages().shown();
   std::cout << "message boxes shown: " << boxes.size() << "\n";
   for (const auto& box : boxes) {
     std::string text = box.text;
     for (char& c : text) c = c == '\r' ? '|' : c;  // one carriage return splits the lines
     std::cout << "  [" << box.title << "] style " << box.style << ": " << text << "\n";
   }
+  qorvel::Env::Install(nullptr);
   return 0;
 }

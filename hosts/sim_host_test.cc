@@ -6,6 +6,7 @@
 
 #include "hosts/simulators.h"
 #include "qorvel/platform/dispatch.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 
 namespace qorvel::hosts {

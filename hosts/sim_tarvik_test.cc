@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "hosts/simulators.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
 

@@ -1,6 +1,7 @@
 #include "hosts/simulators.h"
 
 #include "hosts/host_table.h"
+#include "qorvel/platform/error.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -56,10 +57,14 @@ std::shared_ptr<SimTarvik> RunTarvik(std::chrono::milliseconds start_delay) {
 // The launcher and the class servers belong to `env`, so they may keep a reference to it.
 void InstallSimulatedHosts(std::chrono::milliseconds start_delay) {
   Env& env = Env::Current();
+  auto* portable = dynamic_cast<PortableEnv*>(&env);
+  if (portable == nullptr) {
+    Raise(err::kInvalidCall, "The simulated hosts run on the portable platform only");
+  }
   HostTable::Of(env)->set_start_delay(start_delay);
   env.registry().LoadRegText(kDefaultReg, "simulated_hosts.reg");
-  env.launcher().RegisterSimulated(kZebrinProgram, [&env] { Launch<SimZebrin>(env); });
-  env.launcher().RegisterSimulated(kTarvikProgram, [&env] { Launch<SimTarvik>(env); });
+  portable->programs().InstallProgram(kZebrinProgram, [&env] { Launch<SimZebrin>(env); });
+  portable->programs().InstallProgram(kTarvikProgram, [&env] { Launch<SimTarvik>(env); });
   env.running_objects().RegisterClassServer("Zebrin.Document",
                                             [&env] { return New<SimZebrin>(env); });
   env.running_objects().RegisterClassServer("Tarvik.Document",

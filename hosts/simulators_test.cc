@@ -6,6 +6,7 @@
 #include <sstream>
 #include <thread>
 
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/error_testing.h"
 
@@ -55,7 +56,6 @@ TEST_F(SimulatorsTest, LauncherStartsANewSimulatorWithTheDelayInForce) {
   EXPECT_EQ(running().BindRunning("Tarvik.Document"), LastTarvik());
   EXPECT_EQ(LastStarted("TARVIK.DOCUMENT"), LastTarvik());
   EXPECT_EQ(StartedHosts().size(), 3u);
-  EXPECT_EQ(launcher().launches().size(), 3u);
 }
 
 TEST_F(SimulatorsTest, ClassServerGivesAFreshUnregisteredInstanceEachTime) {

@@ -1,6 +1,6 @@
 // The library's own face: the in-process server calls and the enumerations of the type library.
-#include "qorvel/frame/registration.h"
 #include "qorvel/frame/type_library.h"
+#include "qorvel/server/registration.h"
 #include "shell/lua_errors.h"
 #include "shell/qvsh.h"
 

@@ -6,6 +6,7 @@
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/platform/collection.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/server/registration.h"
 #include "shell/lua_calls.h"
 #include "shell/lua_errors.h"
 #include "shell/lua_values.h"

@@ -6,10 +6,7 @@
 #include <string>
 
 #include "hosts/simulators.h"
-#include "qorvel/frame/dispatch_face.h"
-#include "qorvel/frame/registration.h"
-#include "qorvel/machining/tarvik3_face.h"
-#include "qorvel/session/zebrin_face.h"
+#include "qorvel/server/registration.h"
 #include "shell/lua_errors.h"
 #include "shell/qvsh.h"
 #include "shell/shell_env.h"
@@ -25,8 +22,6 @@ constexpr const char* kUsage =
 // What a user finds on a machine where the library and the hosts are installed.
 void SetUpLibrary() {
   qorvel::hosts::InstallSimulatedHosts();
-  qorvel::RegisterClassFactory("Zebrin", qorvel::NewZebrinObject);
-  qorvel::RegisterClassFactory("Tarvik3", qorvel::NewTarvik3Object);
   qorvel::DllRegisterServer();
 }
 

@@ -10,6 +10,7 @@
 #include "qorvel/platform/numbers.h"
 #include "shell/lua_errors.h"
 #include "shell/qvsh.h"
+#include "shell/shell_env.h"
 
 namespace qvsh {
 namespace {
@@ -96,7 +97,7 @@ int Decimal(lua_State* L) {
 
 // {{text=, style=, title=}, ...}, oldest first.
 int MessageBoxes(lua_State* L) {
-  const std::vector<qorvel::Message> shown = qorvel::Env::Current().messages().shown();
+  const std::vector<qorvel::Message> shown = ShownMessages().shown();
   lua_createtable(L, int(shown.size()), 0);
   for (size_t i = 0; i < shown.size(); ++i) {
     lua_createtable(L, 0, 3);
@@ -112,7 +113,7 @@ int MessageBoxes(lua_State* L) {
 }
 
 int ClearMessageBoxes(lua_State*) {
-  qorvel::Env::Current().messages().Clear();
+  ShownMessages().Clear();
   return 0;
 }
 

@@ -5,10 +5,15 @@
 namespace qvsh {
 
 void EchoedMessages::ShowMessage(const std::string& text, int32_t style, const std::string& title) {
-  Messages::ShowMessage(text, style, title);
+  MessageLog::ShowMessage(text, style, title);
   std::string shown = title + ": ";
   for (char c : text) shown += c == '\r' ? std::string("\n    ") : std::string(1, c);
   std::cerr << shown << std::endl;
+}
+
+// qvsh installs its own environment, so every box lands in a log it can read.
+qorvel::MessageLog& ShownMessages() {
+  return static_cast<qorvel::MessageLog&>(qorvel::Env::Current().messages());
 }
 
 }  // namespace qvsh

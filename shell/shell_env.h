@@ -11,7 +11,7 @@ namespace qvsh {
 // Message boxes as qvsh shows them: recorded like everywhere else, and printed to standard
 // error as they appear, "<title>: <text>", a carriage return in the text starting an indented
 // line (a terminal would otherwise write the second line over the first).
-class EchoedMessages : public qorvel::Messages {
+class EchoedMessages : public qorvel::MessageLog {
  public:
   void ShowMessage(const std::string& text, int32_t style, const std::string& title) override;
 };
@@ -19,11 +19,14 @@ class EchoedMessages : public qorvel::Messages {
 // The environment qvsh runs in: the portable one, with echoed message boxes.
 class ShellEnv : public qorvel::PortableEnv {
  public:
-  qorvel::Messages& messages() override { return messages_; }
+  EchoedMessages& messages() override { return messages_; }
 
  private:
   EchoedMessages messages_;
 };
+
+// The boxes shown so far in the environment qvsh runs in.
+qorvel::MessageLog& ShownMessages();
 
 }  // namespace qvsh
 

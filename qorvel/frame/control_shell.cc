@@ -1,18 +1,9 @@
 #include "qorvel/frame/control_shell.h"
 
-#include <cctype>
-
-#include "qorvel/frame/pictures.h"
-#include "qorvel/frame/type_library.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
-
-std::string Upper(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return out;
-}
 
 bool IsNumber(VarType type) {
   return type == VarType::kInteger || type == VarType::kLong || type == VarType::kDouble ||
@@ -31,38 +22,38 @@ bool SameValue(const Variant& a, const Variant& b) {
 }  // namespace
 
 Variant PropertyBag::ReadProperty(std::string_view name, const Variant& default_value) const {
-  auto it = values_.find(Upper(name));
+  auto it = values_.find(UpperCase(name));
   return it == values_.end() ? default_value.Deref() : it->second;
 }
 
 void PropertyBag::WriteProperty(std::string_view name, const Variant& value,
                                 const Variant& default_value) {
   if (SameValue(value.Deref(), default_value.Deref())) {
-    values_.erase(Upper(name));
+    values_.erase(UpperCase(name));
   } else {
-    values_[Upper(name)] = value.Deref();
+    values_[UpperCase(name)] = value.Deref();
   }
 }
 
-bool PropertyBag::Contains(std::string_view name) const { return values_.contains(Upper(name)); }
+bool PropertyBag::Contains(std::string_view name) const {
+  return values_.contains(UpperCase(name));
+}
 
-ControlShell::ControlShell(std::string_view class_name)
-    : host_control_(SameNameNoCase(class_name, "Zebrin") || SameNameNoCase(class_name, "Tarvik3") ||
-                    SameNameNoCase(class_name, "Ulmora27")) {
-  if (SameNameNoCase(class_name, "UlmoraNearestPoints") ||
-      SameNameNoCase(class_name, "UlmoraSurfaceInfo")) {
+ControlShell::ControlShell(const ShellTraits& traits) : size_(traits.size) {
+  if (size_ == ShellSize::kImage) {
     Image1 = Image{};
-    Image1->Picture = ControlPicture(class_name);
-  } else if (host_control_) {
-    user_control.Picture = ControlPicture(class_name);
+    Image1->Picture = traits.picture;
+  } else {
+    user_control.Picture = traits.picture;
   }
 }
 
+// Neither form looks at the size asked for, or at the other axis.
 void ControlShell::Resize() {
-  if (host_control_) {
+  if (size_ == ShellSize::kHostControl) {
     user_control.Width = 500.0f;
     user_control.Height = 500.0f;
-  } else if (Image1) {
+  } else if (size_ == ShellSize::kImage) {
     user_control.Width = Image1->Width;
     user_control.Height = Image1->Height;
   }

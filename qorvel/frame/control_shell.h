@@ -45,13 +45,23 @@ class PropertyBag {
 
 class Container;
 
+// How a control sits on its form: the size it keeps and where its design-time picture goes.
+enum class ShellSize {
+  kHostControl,  // 500 by 500, whatever is asked; the picture on the UserControl
+  kImage,        // that of Image1, which holds the picture
+  kFree,         // as the container asks, or as the control's own Resize sets it
+};
+struct ShellTraits {
+  ShellSize size;
+  std::span<const uint8_t> picture;
+};
+
 // What every control shares as a control: its surface, its Image1 if it has one, the events
 // its container sends and the ambient properties it reads. A control overrides the handlers
-// it has; the default Resize keeps the fixed sizes: 500 by 500 for the host controls, the size
-// of Image1 for the controls that hold one, and the other controls as they are asked.
+// it has; the default Resize keeps the size its traits give.
 class ControlShell {
  public:
-  explicit ControlShell(std::string_view class_name);
+  explicit ControlShell(const ShellTraits& traits);
   virtual ~ControlShell() = default;
   ControlShell(const ControlShell&) = delete;
   ControlShell& operator=(const ControlShell&) = delete;
@@ -71,12 +81,12 @@ class ControlShell {
   Container* container() const { return container_; }
 
   UserControl user_control;
-  std::optional<Image> Image1;  // only the two surface controls have one
+  std::optional<Image> Image1;  // only the controls whose size is that of their image
 
  private:
   friend class Container;
   Container* container_ = nullptr;
-  bool host_control_;
+  ShellSize size_;
 };
 
 // A form that holds controls: it creates them, sends them their events, offers the ambient

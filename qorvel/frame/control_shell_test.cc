@@ -5,19 +5,22 @@
 #include "hosts/simulators.h"
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/host_link.h"
-#include "qorvel/frame/registration.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
 #include "qorvel/session/zebrin_face.h"
 
 namespace qorvel {
 namespace {
 
+constexpr uint8_t kPictureBytes[] = {1, 2, 3};
+constexpr std::span<const uint8_t> kPicture(kPictureBytes);
+
 // A control that records the events its container sends.
 class Recorder : public ControlShell {
  public:
-  explicit Recorder(std::string_view class_name, std::vector<std::string>* events = nullptr)
-      : ControlShell(class_name), events_(events ? events : &own_) {}
+  explicit Recorder(ShellSize size, std::vector<std::string>* events = nullptr)
+      : ControlShell({size, kPicture}), events_(events ? events : &own_) {}
 
   std::string fail_on;  // the event whose handler raises
 
@@ -50,18 +53,15 @@ class Recorder : public ControlShell {
 
 TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
   struct Case {
-    const char* control;
+    ShellSize size;
     float width, height;
     bool picture_on_user_control, has_image;
-  } cases[] = {{"Zebrin", 500, 500, true, false},
-               {"Tarvik3", 500, 500, true, false},
-               {"Ulmora27", 500, 500, true, false},
-               {"UlmoraNearestPoints", 480, 480, false, true},
-               {"UlmoraSurfaceInfo", 480, 480, false, true},
-               {"ValueBox", 1234, 321, false, false}};
+  } cases[] = {{ShellSize::kHostControl, 500, 500, true, false},
+               {ShellSize::kImage, 480, 480, false, true},
+               {ShellSize::kFree, 1234, 321, true, false}};
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.control);
-    Recorder control(c.control);
+    SCOPED_TRACE(static_cast<int>(c.size));
+    Recorder control(c.size);
     Container::SetExtent(control, 1234, 321);
     EXPECT_EQ(control.user_control.Width, c.width);
     EXPECT_EQ(control.user_control.Height, c.height);
@@ -81,7 +81,7 @@ TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
 }
 
 TEST(ControlShellTest, ImageControlsFollowTheirImageNotTheAskedSize) {
-  Recorder control("UlmoraSurfaceInfo");
+  Recorder control(ShellSize::kImage);
   control.Image1->Width = 300;  // only one axis changed: the other stays at the picture's
   Container::SetExtent(control, 500, 500);
   EXPECT_EQ(control.user_control.Width, 300);
@@ -91,14 +91,14 @@ TEST(ControlShellTest, ImageControlsFollowTheirImageNotTheAskedSize) {
 TEST(ControlShellTest, ContainerSendsTheEventsInOrder) {
   Container designer(/*user_mode=*/false);
   std::vector<std::string> events;
-  auto fresh = designer.Site(std::make_unique<Recorder>("ValueBox", &events));
+  auto fresh = designer.Site(std::make_unique<Recorder>(ShellSize::kFree, &events));
   EXPECT_FALSE(fresh->UserMode());
   EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "InitProperties", "Resize"}));
 
   const PropertyBag saved = Container::Save(*fresh);
   EXPECT_EQ(saved.ReadProperty("value").ToDouble(), 2.5);
   events.clear();
-  auto loaded = designer.Site(std::make_unique<Recorder>("ValueBox", &events), &saved);
+  auto loaded = designer.Site(std::make_unique<Recorder>(ShellSize::kFree, &events), &saved);
   EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "ReadProperties 2.5", "Resize"}));
 
   events.clear();
@@ -110,20 +110,20 @@ TEST(ControlShellTest, ContainerSendsTheEventsInOrder) {
 TEST(ControlShellTest, AFailedStartRaisesAndSendsNoTerminate) {
   for (const char* failing : {"Initialize", "Resize"}) {
     std::vector<std::string> events;
-    auto control = std::make_unique<Recorder>("Zebrin", &events);
+    auto control = std::make_unique<Recorder>(ShellSize::kHostControl, &events);
     control->fail_on = failing;
     EXPECT_EQ(ErrorOf([&] { Container::RunTime().Site(std::move(control)); }), 5) << failing;
     EXPECT_EQ(std::count(events.begin(), events.end(), "Terminate"), 0) << failing;
   }
   std::vector<std::string> events;
-  auto control = std::make_unique<Recorder>("Zebrin", &events);
+  auto control = std::make_unique<Recorder>(ShellSize::kHostControl, &events);
   control->fail_on = "Terminate";
   Container::RunTime().Site(std::move(control)).reset();  // swallowed: nobody to tell
 }
 
 TEST(ControlShellTest, AmbientUserModeAndPropertyChanges) {
   Container form;
-  auto control = form.Site(std::make_unique<Recorder>("ValueBox"));
+  auto control = form.Site(std::make_unique<Recorder>(ShellSize::kFree));
   EXPECT_TRUE(control->UserMode());
   form.UserMode = false;
   EXPECT_FALSE(control->UserMode());
@@ -131,7 +131,7 @@ TEST(ControlShellTest, AmbientUserModeAndPropertyChanges) {
   control->PropertyChanged("ReadOnly");
   EXPECT_EQ(form.property_changes(), (std::vector<std::string>{"DecimalPlaces", "ReadOnly"}));
   EXPECT_TRUE(Container::RunTime().UserMode);
-  EXPECT_TRUE(Recorder("ValueBox").UserMode());  // not sited: taken to run
+  EXPECT_TRUE(Recorder(ShellSize::kFree).UserMode());  // not sited: taken to run
 }
 
 TEST(ControlShellTest, PropertyBagLeavesOutDefaults) {
@@ -155,46 +155,6 @@ TEST(ControlShellTest, PropertyBagLeavesOutDefaults) {
   bag.WriteProperty("Value", int32_t{0}, int16_t{0});  // back to the default: the key goes
   EXPECT_FALSE(bag.Contains("Value"));
   EXPECT_EQ(bag.ReadProperty("Missing").vt(), 0);
-}
-
-class HostControlLifeTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    HostLink::Of(Host::kZebrin).Clear();
-    RegisterClassFactory("Zebrin", NewZebrinObject);
-    DllRegisterServer();
-  }
-  ScopedEnv env_;
-};
-
-TEST_F(HostControlLifeTest, TerminateOfOneInstanceDisconnectsTheOthers) {
-  auto host = hosts::RunZebrin();
-  AutomationObject first = CreateObject("QorvelOLE.Zebrin");
-  AutomationObject second = CreateObject("QorvelOLE.Zebrin");
-  EXPECT_EQ(std::dynamic_pointer_cast<ClassObject>(first)->user_control.Width, 500);
-  Call(first, "Connect");
-  Call(second, "Execute", "BEFORE");
-  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kTrue);
-
-  first.reset();  // the container destroys it: Terminate runs Disconnect
-  host->ClearLog();
-  Call(second, "Execute", "AFTER");
-  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kFalse);
-  EXPECT_TRUE(host->log().empty());  // the link is empty under the second one too
-  EXPECT_FALSE(host->exited);        // the host goes on running
-  EXPECT_TRUE(env_.env().messages().shown().empty());
-
-  Call(second, "Connect");  // its flag is false already: one Connect binds again
-  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kTrue);
-}
-
-TEST_F(HostControlLifeTest, DestroyedWithoutAHostDoesNothingVisible) {
-  AutomationObject zebrin = CreateObject("QorvelOLE.Zebrin");
-  EXPECT_EQ(GetMember(zebrin, "version").ToLong(), 0);
-  zebrin.reset();
-  EXPECT_TRUE(env_.env().messages().shown().empty());
-  EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
 }  // namespace

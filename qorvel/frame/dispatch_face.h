@@ -1,94 +1,85 @@
 #ifndef QORVEL_FRAME_DISPATCH_FACE_H_
 #define QORVEL_FRAME_DISPATCH_FACE_H_
 
-#include <functional>
-#include <map>
-#include <memory>
+#include <cstdint>
+#include <mutex>
 #include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "qorvel/frame/control_shell.h"
+#include "qorvel/frame/binding.h"
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/dispatch.h"
 
 namespace qorvel {
 
-// An instance of a published class, reachable by member name (without regard to case) or by
-// DISPID, and sited as a control in a container. Arguments arrive in the caller's order; each
-// is converted to its parameter's type (13 when it can't be). An omitted optional argument,
-// left off the end or passed as Empty, takes its default, 0 when it has none. By-reference
-// arguments that point at the caller's variables get the final values after the call, omitted
-// ones included. Unknown members raise 438, a wrong number of arguments 450.
-class ClassObject : public Dispatch, public ControlShell {
+// An instance of a published class on the dispatch face, reachable by member name (without
+// regard to case) or by DISPID. Arguments arrive in the caller's order; each is converted once
+// to its parameter's type (13 when it can't be). An omitted optional argument, left off the end
+// or passed as Empty, takes its default, 0 when it has none. By-reference arguments that point
+// at the caller's variables get the final values after the call, omitted ones included.
+// Unknown members raise 438, a wrong number of arguments 450.
+class ClassObject : public Dispatch {
  public:
-  // The converted arguments of one call, in declaration order; a handler changes by-reference
-  // ones in place.
-  using Args = std::vector<Variant>;
-  using Handler = std::function<Variant(Args&)>;
-
-  explicit ClassObject(std::string_view class_name);
   ~ClassObject() override;
+  ClassObject(const ClassObject&) = delete;
+  ClassObject& operator=(const ClassObject&) = delete;
 
   Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) override;
-  Variant InvokeId(int32_t dispid, CallKind kind, std::span<Variant> args);
+  Variant InvokeById(int32_t dispid, CallKind kind, std::span<Variant> args) override;
   MemberShape Shape(std::string_view member) const override;
 
-  const ClassInfo& class_info() const { return *class_; }
-  const InterfaceInfo& interface_info() const { return *interface_; }
-  // Whether a row of the default interface has code bound to it.
-  bool IsBound(const MemberInfo& member) const { return handlers_.contains(&member); }
+  const ClassInfo& class_info() const { return bound_.class_info(); }
+  const InterfaceInfo& interface_info() const { return bound_.interface_info(); }
+  bool IsBound(const MemberInfo& member) const;
+
+  // The class's outgoing interface, nullptr for a class without one.
+  const InterfaceInfo* event_interface() const { return events_; }
+  // Connects a client's sink: an automation object that hears each event as a method call by
+  // the event's DISPID. Returns the cookie that disconnects it. 438 for a class without an
+  // outgoing interface, 91 for an empty sink.
+  int32_t Advise(AutomationObject sink);
+  // 5 for a cookie that connects nothing.
+  void Unadvise(int32_t cookie);
+  // Raises an event of the outgoing interface by its DISPID, to every sink in the order they
+  // connected. A sink that fails is the client's affair and doesn't stop the others or the
+  // control.
+  void RaiseEvent(int32_t dispid, std::span<Variant> args);
 
  protected:
-  // Binds a row of the default interface to the code that runs it; a row that isn't in the
-  // table is a fault of the binding and raises 5 naming it.
-  void Bind(std::string_view name, MemberKind kind, Handler handler);
-
-  // The session members that the host controls share, bound alike on each.
-  template <class Control>
-  void BindSession(Control& c) {
-    using K = MemberKind;
-    Bind("Connect", K::kMethod, [&c](Args& a) { return Done([&] { c.Connect(a[0].ToLong()); }); });
-    Bind("Execute", K::kMethod, [&c](Args& a) { return Done([&] { c.Execute(a[0].ToText()); }); });
-    Bind("ExecuteEx", K::kMethod, [&c](Args& a) { return Variant(c.ExecuteEx(a[0].ToText())); });
-    Bind("Disconnect", K::kMethod, [&c](Args&) { return Done([&] { c.Disconnect(); }); });
-    Bind("version", K::kGet, [&c](Args&) { return Variant(c.version()); });
-    Bind("Connected", K::kGet, [&c](Args&) { return Variant(c.Connected()); });
-    Bind("Busy", K::kGet, [&c](Args&) { return Variant(c.Busy()); });
-    Bind("WindowState", K::kGet, [&c](Args&) { return Variant(c.WindowState()); });
-    Bind("WindowState", K::kPut,
-         [&c](Args& a) { return Done([&] { c.SetWindowState(a[0].ToLong()); }); });
-    Bind("Visible", K::kGet, [&c](Args&) { return Variant(c.Visible()); });
-    Bind("Visible", K::kPut, [&c](Args& a) { return Done([&] { c.SetVisible(a[0].ToBool()); }); });
-  }
-  // Runs a member without a result.
-  template <class Body>
-  static Variant Done(Body&& body) {
-    body();
-    return Variant();
-  }
+  explicit ClassObject(const BoundInterface& bound);
 
  private:
-  const MemberInfo* Find(int32_t dispid, CallKind kind) const;
-  Args Prepare(const MemberInfo& member, std::span<Variant> args) const;
+  // Runs the bound row in `slot` on prepared arguments.
+  virtual Variant Run(size_t slot, std::span<Variant> args) = 0;
 
-  const ClassInfo* class_;
-  const InterfaceInfo* interface_;
-  std::map<const MemberInfo*, Handler> handlers_;
+  const MemberInfo* Find(int32_t dispid, CallKind kind) const;
+  std::vector<Variant> Prepare(const MemberInfo& member, std::span<Variant> args) const;
+
+  const BoundInterface& bound_;
+  const InterfaceInfo* events_;
+  std::mutex sinks_mu_;
+  std::vector<std::pair<int32_t, AutomationObject>> sinks_;
+  int32_t next_cookie_ = 1;
 };
 
-// Creates a published class by its programmatic name ("QorvelOLE.Zebrin", any case), found
-// through the registry as a client's runtime finds it: the ProgID's CLSID, that class's
-// InprocServer32 entry, then the library's class factory. Raises 429 when the name or its class
-// isn't registered, or the class isn't built yet. A control comes sited in the run-time
-// container: Initialize and Resize have run, and Terminate runs when the last reference goes.
-AutomationObject CreateObject(std::string_view prog_id);
+// A published class that is no control (PointClass): the object and its face, nothing more.
+template <class C>
+class Instance final : public ClassObject {
+ public:
+  Instance() : ClassObject(BindingsOf<C>()) {}
+  C& object() { return object_; }
 
-// Makes a built class creatable: `make` gives a new instance, sited in its container (see
-// Container::Site). FactoryOf gives an empty function for a class not built.
-void RegisterClassFactory(const std::string& class_name, std::function<AutomationObject()> make);
-std::function<AutomationObject()> FactoryOf(const std::string& class_name);
+ private:
+  Variant Run(size_t slot, std::span<Variant> args) override {
+    return BindingsOf<C>().Run(slot, object_, args);
+  }
+  C object_;
+};
+
+// The library's live objects, for DllCanUnloadNow.
+int LiveObjects();
 
 }  // namespace qorvel
 

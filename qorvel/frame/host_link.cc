@@ -27,34 +27,37 @@ constexpr int32_t kMaximisedWithFocus = 3;
 
 const HostProfile& ProfileOf(Host host) { return kProfiles[static_cast<int>(host)]; }
 
+namespace {
+// The three links of one thread in one environment.
+struct HostLinks {
+  HostLink links[3] = {HostLink(Host::kZebrin), HostLink(Host::kTarvik), HostLink(Host::kUlmora)};
+};
+}  // namespace
+
 HostLink& HostLink::Of(Host host) {
-  thread_local HostLink links[3] = {HostLink(Host::kZebrin), HostLink(Host::kTarvik),
-                                    HostLink(Host::kUlmora)};
-  return links[static_cast<int>(host)];
+  return Env::Current().thread_states().Get<HostLinks>().links[static_cast<int>(host)];
 }
 
 VariantBool HostLink::ConnectToRunning() {
-  ClearAutomationError();
-  HoldBack(
-      [&] { object_ = Env::Current().running_objects().BindRunning(ProfileOf(host_).class_name); });
-  return ToVariantBool(AutomationError() == 0);
+  return ToVariantBool(HoldBack([&] {
+    object_ = Env::Current().running_objects().BindRunning(ProfileOf(host_).class_name);
+  }));
 }
 
 VariantBool HostLink::StartAndConnect() {
   const HostProfile& p = ProfileOf(host_);
   if (ConnectToRunning() == VariantBool::kTrue) return VariantBool::kTrue;
-  const std::string version = ReadRegistryValue(0x80000002, p.version_key, "CurrentVersion");
+  const std::string version =
+      ReadRegistryValue(HKEY_LOCAL_MACHINE, p.version_key, "CurrentVersion");
   const std::string path =
-      ReadRegistryValue(0x80000002, p.install_key_prefix + version, "ExecutablePath");
+      ReadRegistryValue(HKEY_LOCAL_MACHINE, p.install_key_prefix + version, "ExecutablePath");
   Messages& messages = Env::Current().messages();
   if (path == kNotFound) {
     messages.ShowMessage(std::string(p.start_text) + "\rCheck registry", kCriticalStop,
                          p.start_title);
     return VariantBool::kFalse;
   }
-  ClearAutomationError();
-  HoldBack([&] { Env::Current().launcher().LaunchProgram(path, kMaximisedWithFocus); });
-  if (AutomationError() != 0) {
+  if (!HoldBack([&] { Env::Current().launcher().LaunchProgram(path, kMaximisedWithFocus); })) {
     messages.ShowMessage(std::string(p.start_text) + "\rCheck installation and registry settings",
                          kCriticalStop, p.start_title);
     return VariantBool::kFalse;
@@ -65,19 +68,15 @@ VariantBool HostLink::StartAndConnect() {
 }
 
 VariantBool HostLink::ConnectNew() {
-  ClearAutomationError();
-  HoldBack(
-      [&] { object_ = Env::Current().running_objects().CreateNew(ProfileOf(host_).class_name); });
-  return ToVariantBool(AutomationError() == 0);
+  return ToVariantBool(HoldBack(
+      [&] { object_ = Env::Current().running_objects().CreateNew(ProfileOf(host_).class_name); }));
 }
 
 VariantBool HostLink::HostExecute(const std::string& command) {
   std::string copy = command;
   int32_t status = 0;
-  ClearAutomationError();
   std::vector<Variant> args{Variant::Ref(copy), Variant::Ref(status)};
-  HoldBack([&] { CallMember(object_, "Execute", args); });
-  return ToVariantBool(AutomationError() == 0);
+  return ToVariantBool(HoldBack([&] { CallMember(object_, "Execute", args); }));
 }
 
 std::string HostLink::HostExecuteEx(const std::string& command) {
@@ -88,10 +87,8 @@ std::string HostLink::ExecuteExZebrin(const std::string& command) {
   std::string copy = command;
   int32_t status = 0;
   std::string output;
-  ClearAutomationError();
   std::vector<Variant> args{Variant::Ref(copy), Variant::Ref(status), Variant::Ref(output)};
-  HoldBack([&] { CallMember(object_, "ExecuteEx", args); });
-  if (AutomationError() != 0) output = "Error";
+  if (!HoldBack([&] { CallMember(object_, "ExecuteEx", args); })) output = "Error";
   return output;
 }
 

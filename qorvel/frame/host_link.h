@@ -26,8 +26,9 @@ const HostProfile& ProfileOf(Host host);
 // that host on the thread. None of its operations raises an error.
 class HostLink {
  public:
-  // This thread's link to `host`.
+  // This thread's link to `host` in the installed environment.
   static HostLink& Of(Host host);
+  explicit HostLink(Host host) : host_(host) {}
 
   const AutomationObject& object() const { return object_; }
   bool empty() const { return object_ == nullptr; }
@@ -41,7 +42,6 @@ class HostLink {
   std::string HostExecuteEx(const std::string& command);  // the form of this link's host
 
  private:
-  explicit HostLink(Host host) : host_(host) {}
   std::string ExecuteExZebrin(const std::string& command);
   std::string ExecuteExTarvik(const std::string& command);
 

@@ -6,6 +6,7 @@
 
 #include "hosts/simulators.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 
 namespace qorvel {
 namespace {
@@ -20,7 +21,7 @@ class HostLinkTest : public ::testing::Test {
   }
   void TearDown() override { SetUp(); }
   std::vector<Message> Boxes() { return env_.env().messages().shown(); }
-  Registry& registry() { return env_.env().registry(); }
+  CountingRegistry& registry() { return env_.env().counted_registry(); }
 
   ScopedEnv env_;
 };
@@ -48,14 +49,14 @@ TEST_F(HostLinkTest, StartAndConnectWithARunningHostReadsAndLaunchesNothing) {
   const int closes = registry().close_calls();
   EXPECT_EQ(HostLink::Of(Host::kZebrin).StartAndConnect(), VariantBool::kTrue);
   EXPECT_EQ(registry().close_calls(), closes);
-  EXPECT_TRUE(env_.env().launcher().launches().empty());
+  EXPECT_TRUE(env_.env().launches().empty());
   EXPECT_TRUE(Boxes().empty());
 }
 
 TEST_F(HostLinkTest, StartAndConnectLaunchesTheRegisteredProgramMaximised) {
   hosts::InstallSimulatedHosts();
   EXPECT_EQ(HostLink::Of(Host::kTarvik).StartAndConnect(), VariantBool::kTrue);
-  auto launches = env_.env().launcher().launches();
+  auto launches = env_.env().launches();
   ASSERT_EQ(launches.size(), 1u);
   EXPECT_EQ(launches[0].path, hosts::kTarvikProgram);
   EXPECT_EQ(launches[0].window_style, 3);
@@ -96,7 +97,7 @@ TEST_P(StartFailureTest, ShowsOneBoxAndReturnsFalse) {
   ASSERT_EQ(Boxes().size(), 1u);
   EXPECT_EQ(Boxes()[0], c.box);
   EXPECT_EQ(Boxes()[0].text.find('\n'), std::string::npos);
-  auto launches = env_.env().launcher().launches();
+  auto launches = env_.env().launches();
   if (c.launched == nullptr) {
     EXPECT_TRUE(launches.empty());
   } else {

@@ -26,11 +26,12 @@ std::string ReadRegistryValue(uint32_t hive, const std::string& sub_key,
   std::string buffer(kBufferSize, ' ');
   uint32_t data_size = kBufferSize;
   uint32_t value_type = 0;
-  ClearAutomationError();
-  const int32_t result =
-      registry.RegQueryValueExA(key_handle, value_name, nullptr, &value_type,
-                                reinterpret_cast<uint8_t*>(buffer.data()), &data_size);
-  if (AutomationError() == 0 && result == ERROR_SUCCESS) {
+  int32_t result = ERROR_INVALID_HANDLE;
+  const bool called = HoldBack([&] {
+    result = registry.RegQueryValueExA(key_handle, value_name, nullptr, &value_type,
+                                       reinterpret_cast<uint8_t*>(buffer.data()), &data_size);
+  });
+  if (called && result == ERROR_SUCCESS) {
     if (value_type == REG_DWORD) {
       const auto b = [&](int i) { return static_cast<uint8_t>(buffer[i]); };
       const int32_t low = b(0) + b(1) * 256 + b(2) * 65536;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 
 namespace qorvel {
 namespace {
@@ -63,7 +64,7 @@ TEST_F(ReadRegistryValueTest, MissingKeyOrValueIsNotFound) {
 }
 
 TEST_F(ReadRegistryValueTest, ClosesTheKeyOncePerCall) {
-  Registry& registry = env_.env().registry();
+  CountingRegistry& registry = env_.env().counted_registry();
   env_.env().registry().SetString(HKEY_LOCAL_MACHINE, kKey, "v", "x");
   const int before = registry.close_calls();
   Read();

@@ -5,31 +5,24 @@
 #include <cstdint>
 #include <string>
 
+#include "qorvel/frame/host_session.h"
 #include "qorvel/platform/variant.h"
 
 namespace qorvel {
 
-inline constexpr int32_t kOldTarvikError = 60000;
-inline constexpr const char* kOldTarvikText = "Control only supports Tarvik3 onwards";
-
-// The machining host control. The session members follow Zebrin's, with three connect modes
-// and a gate on the host version; the rest speaks the host's SIZE, EDIT and PRINT commands.
-class Tarvik3 {
+// The machining host control. The session family with three connect modes and a gate that
+// raises 60000 below version 2522; the rest speaks the host's SIZE, EDIT and PRINT commands.
+class Tarvik3 : public HostSession {
  public:
+  Tarvik3() : HostSession(Host::kTarvik) {}
+
   // Session.
-  void Connect(int32_t connection_status = 0);  // TarvikConnectType: 0 bind, 1 start, 2 new
-  void Execute(const std::string& command);
-  std::string ExecuteEx(const std::string& command);
-  void Disconnect();
-  void ExitTarvik();
-  int16_t version();
-  VariantBool Connected();
-  VariantBool Busy();
-  int32_t WindowState();
-  void SetWindowState(int32_t new_state);
+  void Connect(int32_t ConnectionStatus = 0);  // TarvikConnectType: 0 bind, 1 start, 2 new
+  std::string ExecuteEx(const std::string& command) { return Link().HostExecuteEx(command); }
+  void ExitTarvik() { ExitHost(); }
   VariantBool Dialogs();
   void SetDialogs(VariantBool onoff);
-  VariantBool Visible();
+  // Runs only while the control counts as connected.
   void SetVisible(VariantBool yesno);
 
   // Block and model.
@@ -63,22 +56,24 @@ class Tarvik3 {
 
   // Control life, sent by the container.
   void Initialize();
-  void Terminate();
 
  private:
-  void ProbeVersion();
+  // The gate: the version is read as 32 bits, held back, and narrowed to 16 bits without, so a
+  // reply beyond 16 bits reaches the client as an overflow; a refused host raises 60000; the
+  // block cache goes with the connection.
+  int16_t FetchVersion() override;
+  bool Accepts(int16_t version) const override;
+  void Refuse() override;
+  void Dropped() override;
+
   void ParseBlockReply(std::string reply);
   void FillList(const char* command, AutomationObject& list, int32_t& active);
 
-  VariantBool ConnectedFlag = VariantBool::kFalse;
-  int16_t HostVersion = 0;
-  int16_t CachedWindowState = 0;
   int16_t CachedUnits = 0;
   std::array<double, 6> BlockLimits{};  // in AxisType order, qvxmin first
   std::array<double, 6> ModelLimits{};
   VariantBool BlockStored = VariantBool::kFalse;
   VariantBool ModelStored = VariantBool::kFalse;
-  VariantBool CachedVisible = VariantBool::kFalse;
 };
 
 }  // namespace qorvel

@@ -8,7 +8,6 @@
 namespace qorvel {
 
 using tarvik_stuff::HostNumberText;
-using tarvik_stuff::Link;
 
 namespace {
 

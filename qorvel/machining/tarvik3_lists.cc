@@ -7,8 +7,6 @@
 
 namespace qorvel {
 
-using tarvik_stuff::Link;
-
 namespace {
 
 // Drops the two delimiters around a name. A line shorter than two characters can't be cut;

@@ -6,6 +6,7 @@
 #include "qorvel/frame/host_link.h"
 #include "qorvel/platform/collection.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/error_testing.h"
 #include "qorvel/platform/numbers.h"
@@ -71,7 +72,7 @@ TEST_F(Tarvik3Test, VersionGateInModesZeroAndOne) {
   control_.Execute("EDIT UNITS INCHES");  // still reaches the refused host
   EXPECT_EQ(host->units(), "INCHES");
   EXPECT_EQ(ErrorOf([&] { control_.Disconnect(); }), 0);
-  EXPECT_TRUE(env_.env().launcher().launches().empty());
+  EXPECT_TRUE(env_.env().launches().empty());
 }
 
 TEST_F(Tarvik3Test, GateErrorCarriesNumberAndDescription) {

@@ -3,11 +3,11 @@
 #include "qorvel/machining/tarvik_stuff.h"
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/numbers.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 
 using tarvik_stuff::HostNumberText;
-using tarvik_stuff::Link;
 
 namespace {
 
@@ -62,9 +62,9 @@ void Tarvik3::SetUnits(int32_t useunits) {
 int32_t Tarvik3::Units() {
   const std::string reply = Link().HostExecuteEx("PRINT FORMVALUE INFOBAR.UNITS");
   if (reply != "Error") {
-    if (tarvik_stuff::ContainsAnyCase(reply, "INCHES")) {
+    if (ContainsNoCase(reply, "INCHES")) {
       CachedUnits = 1;
-    } else if (tarvik_stuff::ContainsAnyCase(reply, "MM")) {
+    } else if (ContainsNoCase(reply, "MM")) {
       CachedUnits = 0;
     }
   }

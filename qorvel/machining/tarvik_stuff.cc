@@ -1,11 +1,9 @@
 #include "qorvel/machining/tarvik_stuff.h"
 
-#include <algorithm>
-#include <cctype>
-
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/numbers.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel::tarvik_stuff {
 namespace {
@@ -54,14 +52,6 @@ void RemoveAll(std::string& text, std::string_view word) {
   text = std::move(out);
 }
 
-bool ContainsAnyCase(std::string_view text, std::string_view word) {
-  auto same = [](char a, char b) {
-    return std::toupper(static_cast<unsigned char>(a)) ==
-           std::toupper(static_cast<unsigned char>(b));
-  };
-  return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
-}
-
 std::string_view StripBlanks(std::string_view text) {
   const size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};
@@ -70,16 +60,14 @@ std::string_view StripBlanks(std::string_view text) {
 
 int32_t FetchHostVersion() {
   int32_t version = 0;
-  ClearAutomationError();
-  HoldBack([&] { version = GetMember(Link().object(), "version").ToLong(); });
-  return AutomationError() != 0 ? 0 : version;
+  return HoldBack([&] { version = GetMember(Link().object(), "version").ToLong(); }) ? version : 0;
 }
 
 std::string QuietHostQuery(const std::string& query) {
   const std::string saved = Link().HostExecuteEx(kDialogsQuery);
   Link().HostExecute("dialogs message off");
   std::string reply = Link().HostExecuteEx(query);
-  if (ContainsAnyCase(saved, "TRUE")) Link().HostExecute("dialogs message on");
+  if (ContainsNoCase(saved, "TRUE")) Link().HostExecute("dialogs message on");
   return reply;
 }
 
@@ -109,8 +97,8 @@ VariantBool ReadExtents(int16_t kind, SafeArray& values, std::string& name) {
     const ExtentQuery& q = kExtentQueries[kind - 1];
     reply = Link().HostExecuteEx(kind == 1 ? std::string(q.command) : q.command + name);
   }
-  if (ContainsAnyCase(saved, "TRUE")) Link().HostExecute("dialogs message on");
-  if (ContainsAnyCase(reply, "Error")) return VariantBool::kFalse;
+  if (ContainsNoCase(saved, "TRUE")) Link().HostExecute("dialogs message on");
+  if (ContainsNoCase(reply, "Error")) return VariantBool::kFalse;
 
   for (std::string_view word : kExtentWords) RemoveAll(reply, word);
   HoldBack([&] { reply = CollapseBlanks(reply); });
@@ -131,7 +119,6 @@ VariantBool ReadExtents(int16_t kind, SafeArray& values, std::string& name) {
 }
 
 VariantBool ModelLoadedProbe() {
-  ClearAutomationError();
   std::string reply = QuietHostQuery("SIZE COMPONENTS");
   if (reply == "Error") return VariantBool::kFalse;
   RemoveAll(reply, "\r\n");

@@ -42,7 +42,6 @@ std::string HostNumberText(double value);
 // Text helpers with the semantics of the protocol.
 std::vector<std::string_view> SplitAt(std::string_view text, std::string_view separator);
 void RemoveAll(std::string& text, std::string_view word);
-bool ContainsAnyCase(std::string_view text, std::string_view word);
 std::string_view StripBlanks(std::string_view text);
 
 }  // namespace tarvik_stuff

@@ -5,6 +5,7 @@
 #include "hosts/simulators.h"
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/numbers.h"
 
 namespace qorvel::tarvik_stuff {

@@ -8,16 +8,17 @@
 
 namespace qorvel {
 
-// The error number the last held-back call left on this thread; 0 means success.
+// The error number the last held-back statement left on this thread; 0 means success.
 int32_t AutomationError();
-void ClearAutomationError();
 void SetAutomationError(int32_t number);
 
-// Errors held back: runs one statement; a raised error skips the rest of it, is recorded as the
-// thread's AutomationError and reported as false. Whatever the statement was to assign keeps
-// its old value, because the assignment sits inside the statement that failed.
+// Errors held back: clears AutomationError and runs one statement; a raised error skips the
+// rest of it, is recorded as the thread's AutomationError and reported as false. Whatever the
+// statement was to assign keeps its old value, because the assignment sits inside the
+// statement that failed.
 template <class Statement>
 bool HoldBack(Statement&& statement) {
+  SetAutomationError(0);
   try {
     std::forward<Statement>(statement)();
     return true;

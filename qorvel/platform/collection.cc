@@ -1,30 +1,22 @@
 #include "qorvel/platform/collection.h"
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 
 namespace {
 
-std::string Folded(std::string_view text) {
-  std::string folded(text);
-  for (char& c : folded) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return folded;
-}
-
-bool IsMember(std::string_view member, std::string_view name) {
-  return member.size() == name.size() && Folded(member) == Folded(name);
-}
+bool IsMember(std::string_view member, std::string_view name) { return EqualsNoCase(member, name); }
 
 // Keys are text; an Empty key or empty text means the member has none.
 std::string KeyOf(const Variant& key) {
   if (key.is_empty()) return "";
   if (key.type() != VarType::kText) Raise(err::kTypeMismatch);
-  return Folded(key.ToText());
+  return LowerCase(key.ToText());
 }
 
 void ExpectArgs(std::span<Variant> args, size_t least, size_t most) {
@@ -58,7 +50,7 @@ void Collection::Add(const Variant& item, const Variant& key, const Variant& bef
   if (!before.is_empty() && !after.is_empty()) Raise(err::kInvalidCall);
   std::string folded = KeyOf(key);
   if (!folded.empty() && key_set_.count(folded)) {
-    Raise(kDuplicateKey, "This key is already associated with an element of this collection");
+    Raise(err::kDuplicateKey);
   }
   size_t at = items_.size();
   if (!before.is_empty()) at = Position(before);

@@ -17,8 +17,6 @@ namespace qorvel {
 // default member ""), Add and Remove. An Empty argument stands for one left out.
 class Collection : public Dispatch {
  public:
-  static inline constexpr int32_t kDuplicateKey = 457;
-
   int32_t Count() const;
   // By position (1 to Count, error 9 outside) or by key (error 5 for an unknown key).
   Variant Item(const Variant& index) const;

@@ -11,6 +11,8 @@ Dispatch& Bound(const AutomationObject& object) {
 }
 }  // namespace
 
+Variant Dispatch::InvokeById(int32_t, CallKind, std::span<Variant>) { Raise(err::kNoMember); }
+
 Variant CallMember(const AutomationObject& object, std::string_view member,
                    std::span<Variant> args) {
   return Bound(object).Invoke(member, CallKind::kMethod, args);

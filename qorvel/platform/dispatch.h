@@ -1,6 +1,7 @@
 #ifndef QORVEL_PLATFORM_DISPATCH_H_
 #define QORVEL_PLATFORM_DISPATCH_H_
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,9 @@ class Dispatch {
  public:
   virtual ~Dispatch() = default;
   virtual Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) = 0;
+  // The same by DISPID, for objects with type information and for event sinks, which hear
+  // their events by number; 438 from objects that know members by name only.
+  virtual Variant InvokeById(int32_t dispid, CallKind kind, std::span<Variant> args);
   virtual MemberShape Shape(std::string_view /*member*/) const { return MemberShape::kUnknown; }
 };
 

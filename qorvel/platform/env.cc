@@ -18,6 +18,7 @@ Env& Env::Current() {
 
 Env* Env::Install(Env* env) { return installed.exchange(env); }
 
-PortableEnv::PortableEnv() { SeedNumberSymbols(registry_); }
+PortableEnv::PortableEnv() { SeedNumberSymbols(memory_registry_); }
+PortableEnv::~PortableEnv() = default;
 
 }  // namespace qorvel

@@ -10,6 +10,8 @@ std::string DescriptionOf(int32_t number) {
       return "Invalid procedure call or argument";
     case err::kOverflow:
       return "Overflow";
+    case err::kOutOfMemory:
+      return "Out of memory";
     case err::kSubscript:
       return "Subscript out of range";
     case err::kArrayLocked:
@@ -20,12 +22,16 @@ std::string DescriptionOf(int32_t number) {
       return "File not found";
     case err::kObjectNotSet:
       return "Object variable or With block variable not set";
+    case err::kInvalidNull:
+      return "Invalid use of Null";
     case err::kCantCreate:
       return "ActiveX component can't create object";
     case err::kNoMember:
       return "Object doesn't support this property or method";
     case err::kWrongArgs:
       return "Wrong number of arguments or invalid property assignment";
+    case err::kDuplicateKey:
+      return "This key is already associated with an element of this collection";
     case err::kServerGone:
       return "The remote server machine does not exist or is unavailable";
     default:
@@ -36,6 +42,7 @@ std::string DescriptionOf(int32_t number) {
 Error::Error(int32_t number) : Error(number, DescriptionOf(number)) {}
 
 void Raise(int32_t number) { throw Error(number); }
+void Raise(const ErrorText& error) { throw Error(error.number, error.description); }
 void Raise(int32_t number, std::string description) { throw Error(number, std::move(description)); }
 
 namespace {
@@ -43,7 +50,6 @@ thread_local int32_t automation_error = 0;
 }
 
 int32_t AutomationError() { return automation_error; }
-void ClearAutomationError() { automation_error = 0; }
 void SetAutomationError(int32_t number) { automation_error = number; }
 
 }  // namespace qorvel

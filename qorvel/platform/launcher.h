@@ -7,29 +7,28 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace qorvel {
 
-// Starts programs. A path registered as a simulated host program starts that simulator in this
-// process; any other path starts a real process. Every launch is logged, failed ones too.
+// Starts programs by path with a window style.
 class Launcher {
  public:
   virtual ~Launcher() = default;
-  struct Launch {
-    std::string path;
-    int32_t window_style;
-  };
-  // Returns a task number once the process exists; raises 53 when the path can't be started.
-  virtual int32_t LaunchProgram(std::string_view path, int32_t window_style);
+  // Returns a task number as soon as the process exists; raises 53 when the path can't be
+  // started.
+  virtual int32_t LaunchProgram(std::string_view path, int32_t window_style) = 0;
+};
 
-  void RegisterSimulated(const std::string& path, std::function<void()> start);
-  std::vector<Launch> launches() const;
+// The portable launcher. A path installed as an in-process program (the simulated hosts) starts
+// that program here; any other path starts a real process.
+class PortableLauncher final : public Launcher {
+ public:
+  int32_t LaunchProgram(std::string_view path, int32_t window_style) override;
+  void InstallProgram(const std::string& path, std::function<void()> start);
 
  private:
-  mutable std::mutex mu_;
-  std::map<std::string, std::function<void()>, std::less<>> simulated_;
-  std::vector<Launch> launches_;
+  std::mutex mu_;
+  std::map<std::string, std::function<void()>, std::less<>> programs_;
   int32_t next_task_ = 1000;
 };
 

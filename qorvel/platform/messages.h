@@ -8,6 +8,13 @@
 
 namespace qorvel {
 
+// Modal message boxes: one OK button, answered before the call returns.
+class Messages {
+ public:
+  virtual ~Messages() = default;
+  virtual void ShowMessage(const std::string& text, int32_t style, const std::string& title) = 0;
+};
+
 struct Message {
   std::string text;
   int32_t style = 0;
@@ -15,20 +22,17 @@ struct Message {
   bool operator==(const Message&) const = default;
 };
 
-// Message boxes. There is no screen here: every box is recorded in order, and command-line tools
-// also print it to standard error. A box is answered (OK) at once.
-class Messages {
+// The portable message boxes. There is no screen: every box is kept in order, for scripts and
+// tests to read, and answered at once.
+class MessageLog : public Messages {
  public:
-  virtual ~Messages() = default;
-  virtual void ShowMessage(const std::string& text, int32_t style, const std::string& title);
+  void ShowMessage(const std::string& text, int32_t style, const std::string& title) override;
   std::vector<Message> shown() const;
   void Clear();
-  void set_echo(bool echo) { echo_ = echo; }
 
  private:
   mutable std::mutex mu_;
   std::vector<Message> shown_;
-  bool echo_ = false;
 };
 
 }  // namespace qorvel

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 
 namespace qorvel {
 namespace {
@@ -144,7 +145,7 @@ TEST(NumbersTest, SymbolsFollowTheEnvironmentInForce) {
 }
 
 TEST(NumbersTest, SeedingKeepsWhatTheUserSet) {
-  Registry registry;
+  MemoryRegistry registry;
   registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sDecimal", ",");
   SeedNumberSymbols(registry);
   EXPECT_EQ(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal")->data,

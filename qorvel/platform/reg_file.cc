@@ -52,8 +52,8 @@ class Parser {
 
  private:
   [[noreturn]] void Fail(const std::string& what) const {
-    throw Error(err::kInvalidCall,
-                std::string(source_) + ": line " + std::to_string(line_) + ": " + what);
+    Raise(err::kInvalidCall,
+          std::string(source_) + ": line " + std::to_string(line_) + ": " + what);
   }
   void KeyLine(std::string_view line);
   void ValueLine(std::string_view line);

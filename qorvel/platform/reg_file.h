@@ -9,15 +9,6 @@
 
 namespace qorvel {
 
-// One change a .reg file asks for.
-struct RegOp {
-  enum Kind { kCreateKey, kDeleteKey, kSetValue, kDeleteValue } kind;
-  HKEY root;
-  std::string key;
-  std::string name;  // empty for the default value
-  RegValue value;
-};
-
 // Reads a whole .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00"; UTF-8, or
 // UTF-16LE with its byte-order mark) into the changes it asks for. A malformed file raises
 // error 5 naming the source and the line, so nothing of it is applied.

@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "qorvel/platform/error.h"
-#include "qorvel/platform/registry.h"
+#include "qorvel/platform/memory_registry.h"
 
 namespace qorvel {
 namespace {
@@ -14,7 +14,7 @@ constexpr const char* kKey = "SOFTWARE\\Test";
 std::vector<uint8_t> Bytes(std::string_view text) { return {text.begin(), text.end()}; }
 
 TEST(RegFileTest, LoadsEveryValueForm) {
-  Registry registry;
+  MemoryRegistry registry;
   registry.LoadRegText(
       "Windows Registry Editor Version 5.00\r\n"
       "\r\n"
@@ -54,7 +54,7 @@ TEST(RegFileTest, LoadsEveryValueForm) {
 }
 
 TEST(RegFileTest, Regedit4KeepsHexTextAsItsBytes) {
-  Registry registry;
+  MemoryRegistry registry;
   registry.LoadRegText(
       "REGEDIT4\n[HKLM\\SOFTWARE\\Test]\n\"E\"=hex(2):25,41,25,00\n\"M\"=hex(7):61,00,62,00,00\n",
       "4.reg");
@@ -65,7 +65,7 @@ TEST(RegFileTest, Regedit4KeepsHexTextAsItsBytes) {
 }
 
 TEST(RegFileTest, DeletesKeysAndValues) {
-  Registry registry;
+  MemoryRegistry registry;
   registry.SetString(HKEY_CURRENT_USER, "A\\B\\C", "x", "1");
   registry.SetString(HKEY_CURRENT_USER, "A", "keep", "1");
   registry.SetString(HKEY_CURRENT_USER, "A", "drop", "1");
@@ -91,7 +91,7 @@ TEST(RegFileTest, ReadsUtf16WithByteOrderMark) {
       utf16 += '\0';
     }
   }
-  Registry registry;
+  MemoryRegistry registry;
   registry.LoadRegText(utf16, "u.reg");
   EXPECT_EQ(registry.GetValue(HKEY_LOCAL_MACHINE, kKey, "T")->data,
             Bytes(std::string_view("\xC3\xA9\0", 3)));
@@ -117,7 +117,7 @@ TEST(RegFileTest, RefusesMalformedFilesWholeWithTheLine) {
        "m.reg: line 3: UTF-16 text with an odd number of bytes"},
   };
   for (const auto& [text, message] : cases) {
-    Registry registry;
+    MemoryRegistry registry;
     try {
       registry.LoadRegText(text, "m.reg");
       ADD_FAILURE() << "accepted: " << text;
@@ -130,7 +130,7 @@ TEST(RegFileTest, RefusesMalformedFilesWholeWithTheLine) {
 }
 
 TEST(RegFileTest, MissingFileIsError53) {
-  Registry registry;
+  MemoryRegistry registry;
   try {
     registry.LoadRegFile("/nonexistent/file.reg");
     FAIL();
@@ -140,7 +140,7 @@ TEST(RegFileTest, MissingFileIsError53) {
 }
 
 TEST(RegFileTest, LinesContinueCommentsAndKeysDoNot) {
-  Registry registry;
+  MemoryRegistry registry;
   registry.LoadRegText(
       "\xEF\xBB\xBFREGEDIT4\n"
       "[HKEY_CURRENT_USER\\K]\n"
@@ -155,7 +155,7 @@ TEST(RegFileTest, LinesContinueCommentsAndKeysDoNot) {
 }
 
 TEST(RegFileTest, KeyDeletionSparesSiblingsThatSortInside) {
-  Registry registry;
+  MemoryRegistry registry;
   for (const char* key : {"App", "App\\Sub", "App2", "App2\\Sub"}) {
     registry.SetString(HKEY_LOCAL_MACHINE, key, "v", "1");
   }
@@ -165,7 +165,7 @@ TEST(RegFileTest, KeyDeletionSparesSiblingsThatSortInside) {
 }
 
 TEST(RegFileTest, MalformedFileLeavesExistingValuesAlone) {
-  Registry registry;
+  MemoryRegistry registry;
   registry.SetString(HKEY_CURRENT_USER, "Keep", "v", "old");
   const std::string text =
       "REGEDIT4\n[-HKCU\\Keep]\n[HKCU\\Keep]\n\"v\"=\"new\"\n\"w\"=hex(zz):00\n";
@@ -182,7 +182,7 @@ TEST(RegFileTest, MalformedFileLeavesExistingValuesAlone) {
 TEST(RegFileTest, LoadsFromDisk) {
   const std::string path = ::testing::TempDir() + "reg_file_test.reg";
   std::ofstream(path, std::ios::binary) << "REGEDIT4\r\n[HKCR\\.txt]\r\n@=\"txtfile\"\r\n";
-  Registry registry;
+  MemoryRegistry registry;
   registry.LoadRegFile(path);
   std::remove(path.c_str());
   EXPECT_EQ(registry.GetValue(HKEY_CLASSES_ROOT, ".TXT", ""),

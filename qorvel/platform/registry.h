@@ -1,11 +1,7 @@
 #ifndef QORVEL_PLATFORM_REGISTRY_H_
 #define QORVEL_PLATFORM_REGISTRY_H_
 
-#include <atomic>
 #include <cstdint>
-#include <map>
-#include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,63 +36,56 @@ struct RegValue {
   bool operator==(const RegValue&) const = default;
 };
 
-// The registry: hives of keys with typed values, held in memory. Key and value names match
-// without regard to case, as the platform's do. Reads go through calls shaped like the
-// platform's single-byte registry functions, down to the byte counts.
+// One change a .reg file asks for.
+struct RegOp {
+  enum Kind { kCreateKey, kDeleteKey, kSetValue, kDeleteValue } kind;
+  HKEY root;
+  std::string key;
+  std::string name;  // empty for the default value
+  RegValue value;
+};
+
+// The registry: hives of keys with typed values. Key and value names match without regard to
+// case. Reads go through calls shaped like the platform's single-byte registry functions, down
+// to the byte counts; writes are for installers, tests and scripts.
 class Registry {
  public:
   virtual ~Registry() = default;
 
-  // The byte-level read calls. A handle is valid from a successful open to its close.
-  int32_t RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result);
+  // A handle is valid from a successful open to its close; the roots are always open.
+  virtual int32_t RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) = 0;
   // `size` is the buffer's size on the way in and the value's size in bytes on the way out;
   // a value larger than the buffer gives ERROR_MORE_DATA and copies nothing.
-  int32_t RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t* reserved,
-                           uint32_t* type, uint8_t* data, uint32_t* size);
-  int32_t RegCloseKey(HKEY key);
-  int open_handles() const;
-  int close_calls() const;
+  virtual int32_t RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t* reserved,
+                                   uint32_t* type, uint8_t* data, uint32_t* size) = 0;
+  virtual int32_t RegCloseKey(HKEY key) = 0;
 
-  // Writes, for installers, tests and scripts. Writes below an unknown root raise error 5.
-  void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value);
+  // Writes below an unknown root raise error 5.
+  virtual void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value) = 0;
+  virtual void CreateKey(HKEY root, std::string_view key) = 0;
+  virtual void DeleteKey(HKEY root, std::string_view key) = 0;  // with everything below it
+  virtual void DeleteValue(HKEY root, std::string_view key, std::string_view name) = 0;
+  // Applies the changes of one .reg file together.
+  virtual void Apply(const std::vector<RegOp>& ops) = 0;
+
+  virtual std::optional<RegValue> GetValue(HKEY root, std::string_view key,
+                                           std::string_view name) const = 0;
+  virtual bool KeyExists(HKEY root, std::string_view key) const = 0;
+  // Every key below `key`, as full upper-cased paths ("HKEY_CURRENT_USER\\A\\B").
+  virtual std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const = 0;
+
+  // A stamp that changes with every write and differs between registries, so readers can keep
+  // what they read last and look again only when it moved.
+  virtual uint64_t generation() const = 0;
+
   void SetString(HKEY root, std::string_view key, std::string_view name, std::string_view text);
   void SetDword(HKEY root, std::string_view key, std::string_view name, uint32_t value);
-  void CreateKey(HKEY root, std::string_view key);
-  void DeleteKey(HKEY root, std::string_view key);  // with everything below it
-  void DeleteValue(HKEY root, std::string_view key, std::string_view name);
-  std::optional<RegValue> GetValue(HKEY root, std::string_view key, std::string_view name) const;
-  bool KeyExists(HKEY root, std::string_view key) const;
-  // Every key below `key`, as full upper-cased paths ("HKEY_CURRENT_USER\\A\\B"); for tests of
-  // what was written.
-  std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const;
 
   // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
   // with its byte-order mark). A malformed file raises error 5 whose description names the
   // source and the line, and nothing of it is applied.
   void LoadRegFile(const std::string& path);
   void LoadRegText(std::string_view bytes, std::string_view source_name);
-
-  // A stamp that changes with every write and differs between registries, so readers can keep
-  // what they read last and look again only when it moved.
-  uint64_t generation() const { return generation_.load(std::memory_order_acquire); }
-
- private:
-  struct KeyData {
-    std::map<std::string, RegValue> values;  // by upper-cased value name
-  };
-  // Keys are held flat under their full upper-cased paths: "80000002\\SOFTWARE\\HALVERN".
-  std::string PathOf(HKEY root, std::string_view key) const;
-  KeyData& MakeKey(const std::string& path);
-  void DeleteTree(const std::string& path);
-  static uint64_t NextGeneration();
-  void Touch() { generation_.store(NextGeneration(), std::memory_order_release); }
-
-  mutable std::mutex mu_;
-  std::map<std::string, KeyData> keys_;
-  std::map<HKEY, std::string> handles_;  // open handle -> key path
-  HKEY next_handle_ = 0x100;
-  int close_calls_ = 0;
-  std::atomic<uint64_t> generation_{NextGeneration()};
 };
 
 // Root keys by their names in .reg files: "HKEY_LOCAL_MACHINE", "HKLM", ...

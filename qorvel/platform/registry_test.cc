@@ -1,4 +1,4 @@
-#include "qorvel/platform/registry.h"
+#include "qorvel/platform/memory_registry.h"
 
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
 
 namespace qorvel {
@@ -17,7 +18,8 @@ class RegistryTest : public ::testing::Test {
     registry_.SetString(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern", "Name", "abc");
     ASSERT_EQ(registry_.RegOpenKeyA(HKEY_LOCAL_MACHINE, "software\\HALVERN", &key_), ERROR_SUCCESS);
   }
-  Registry registry_;
+  MemoryRegistry memory_;
+  CountingRegistry registry_{memory_};
   HKEY key_ = 0;
 };
 
@@ -156,7 +158,8 @@ TEST_F(RegistryTest, EveryWriteMovesTheGeneration) {
   const uint64_t now = registry_.generation();
   registry_.GetValue(HKEY_CURRENT_USER, "K", "v");
   EXPECT_EQ(registry_.generation(), now) << "reads leave it";
-  EXPECT_NE(Registry().generation(), Registry().generation()) << "each registry its own";
+  EXPECT_NE(MemoryRegistry().generation(), MemoryRegistry().generation())
+      << "each registry its own";
 }
 
 TEST_F(RegistryTest, DeleteKeyTakesTheSubtreeAndSparesSiblings) {

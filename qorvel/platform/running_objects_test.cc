@@ -7,6 +7,7 @@
 
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/error_testing.h"
 
@@ -27,7 +28,7 @@ class Named : public Dispatch {
 AutomationObject MakeNamed(const std::string& name) { return std::make_shared<Named>(name); }
 
 TEST(RunningObjectsTest, BindRunningFindsTheRegisteredObjectByClassName) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   AutomationObject host = MakeNamed("host");
   table.Register("Tarvik.Document", host);
   EXPECT_EQ(table.BindRunning("Tarvik.Document"), host);
@@ -38,7 +39,7 @@ TEST(RunningObjectsTest, BindRunningFindsTheRegisteredObjectByClassName) {
 }
 
 TEST(RunningObjectsTest, NothingRunningRaisesTheRuntimesError) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   try {
     table.BindRunning("Zebrin.Document");
     FAIL() << "no error";
@@ -49,7 +50,7 @@ TEST(RunningObjectsTest, NothingRunningRaisesTheRuntimesError) {
 }
 
 TEST(RunningObjectsTest, AnObjectIsInvisibleUntilItsProgramHasRegistered) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   table.Register("Zebrin.Document", MakeNamed("late"), RunningObjects::Clock::now() + 1h);
   EXPECT_EQ(ErrorOf([&] { table.BindRunning("Zebrin.Document"); }), err::kCantCreate);
   table.Register("Zebrin.Document", MakeNamed("early"), RunningObjects::Clock::now() - 1ms);
@@ -57,13 +58,13 @@ TEST(RunningObjectsTest, AnObjectIsInvisibleUntilItsProgramHasRegistered) {
 }
 
 TEST(RunningObjectsTest, AnEmptyRegistrationIsNothingRunning) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   table.Register("Zebrin.Document", nullptr);
   EXPECT_EQ(ErrorOf([&] { table.BindRunning("Zebrin.Document"); }), err::kCantCreate);
 }
 
 TEST(RunningObjectsTest, CreateNewAsksTheClassServerForANewObjectEachTime) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   EXPECT_EQ(ErrorOf([&] { table.CreateNew("Ulmora.Application"); }), err::kCantCreate);
   int made = 0;
   table.RegisterClassServer("Ulmora.Application", [&] {
@@ -79,7 +80,7 @@ TEST(RunningObjectsTest, CreateNewAsksTheClassServerForANewObjectEachTime) {
 }
 
 TEST(RunningObjectsTest, AServerThatMakesNothingCannotCreate) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   table.RegisterClassServer("Broken.Server", [] { return AutomationObject(); });
   EXPECT_EQ(ErrorOf([&] { table.CreateNew("Broken.Server"); }), err::kCantCreate);
   table.RegisterClassServer("Failing.Server", []() -> AutomationObject { Raise(70); });
@@ -87,7 +88,7 @@ TEST(RunningObjectsTest, AServerThatMakesNothingCannotCreate) {
 }
 
 TEST(RunningObjectsTest, AServerMayRegisterItsObjectWhileStarting) {
-  RunningObjects table;
+  MemoryRunningObjects table;
   table.RegisterClassServer("Tarvik.Document", [&] {
     AutomationObject object = MakeNamed("started");
     table.Register("Tarvik.Document", object);

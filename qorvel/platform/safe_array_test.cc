@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/error_testing.h"
 #include "qorvel/platform/numbers.h"

@@ -1,33 +1,26 @@
 #include "qorvel/session/zebrin_face.h"
 
-#include "qorvel/frame/dispatch_face.h"
+#include "qorvel/frame/control.h"
+#include "qorvel/frame/host_session_rows.h"
+#include "qorvel/frame/pictures.h"
 #include "qorvel/session/zebrin.h"
 
 namespace qorvel {
-namespace {
 
-using K = MemberKind;
-using Args = ClassObject::Args;
-
-class ZebrinObject : public ClassObject {
- public:
-  ZebrinObject() : ClassObject("Zebrin") {
-    BindSession(z_);
-    Bind("ExitZebrin", K::kMethod, [this](Args&) { return Done([&] { z_.ExitZebrin(); }); });
-    Bind("InformationWindow", K::kPut,
-         [this](Args& a) { return Done([&] { z_.SetInformationWindow(a[0].ToBool()); }); });
-  }
-  void Initialize() override { z_.Initialize(); }
-  void Terminate() override { z_.Terminate(); }
-
- private:
-  Zebrin z_;
-};
-
-}  // namespace
+template <>
+const BindingTable<Zebrin>& BindingsOf<Zebrin>() {
+  using R = Rows<Zebrin>;
+  static const BindingTable<Zebrin> table(
+      "Zebrin",
+      {HostSessionRows<Zebrin>(),
+       {R::Method<&Zebrin::Connect>("Connect"), R::Method<&Zebrin::ExecuteEx>("ExecuteEx"),
+        R::Method<&Zebrin::ExitZebrin>("ExitZebrin"),
+        R::Put<&Zebrin::SetInformationWindow>("InformationWindow")}});
+  return table;
+}
 
 AutomationObject NewZebrinObject() {
-  return Container::RunTime().Site(std::make_unique<ZebrinObject>());
+  return NewControl<Zebrin>({ShellSize::kHostControl, ControlPicture("Zebrin")});
 }
 
 }  // namespace qorvel

@@ -6,6 +6,7 @@
 
 #include "hosts/simulators.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 
 namespace qorvel {
@@ -64,12 +65,12 @@ TEST_F(ZebrinTest, ConnectWithAnyValueButOneBindsOnly) {
     zebrin_.Connect(status);
     EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse) << status;
   }
-  EXPECT_TRUE(env_.env().launcher().launches().empty());
+  EXPECT_TRUE(env_.env().launches().empty());
   EXPECT_TRUE(env_.env().messages().shown().empty());
   zebrin_.Connect(1);
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kTrue);
   EXPECT_EQ(zebrin_.version(), SimZebrin::kDefaultVersion);
-  EXPECT_EQ(env_.env().launcher().launches().size(), 1u);
+  EXPECT_EQ(env_.env().launches().size(), 1u);
 }
 
 TEST_F(ZebrinTest, ConnectWhileConnectedNeverRebinds) {
@@ -79,7 +80,7 @@ TEST_F(ZebrinTest, ConnectWhileConnectedNeverRebinds) {
   auto second = hosts::RunZebrin();
   zebrin_.Connect(1);  // the flag was still true: only the probe runs
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
-  EXPECT_TRUE(env_.env().launcher().launches().empty());
+  EXPECT_TRUE(env_.env().launches().empty());
   zebrin_.Connect();
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kTrue);
   EXPECT_EQ(HostLink::Of(Host::kZebrin).object(), second);
@@ -208,7 +209,7 @@ TEST_F(ZebrinTest, TerminateWithoutAHostDoesNothingVisible) {
   zebrin_.Terminate();
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
   EXPECT_TRUE(env_.env().messages().shown().empty());
-  EXPECT_TRUE(env_.env().launcher().launches().empty());
+  EXPECT_TRUE(env_.env().launches().empty());
 }
 
 TEST_F(ZebrinTest, InstancesOnOneThreadShareTheLink) {

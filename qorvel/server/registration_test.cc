@@ -1,9 +1,10 @@
-#include "qorvel/frame/registration.h"
+#include "qorvel/server/registration.h"
 
 #include <gtest/gtest.h>
 
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
 #include "qorvel/session/zebrin_face.h"
 
@@ -103,7 +104,6 @@ TEST(RegistrationTest, UnregisterRemovesExactlyWhatWasWritten) {
 
 TEST(RegistrationTest, CreatableOnlyWhileRegistered) {
   ScopedEnv env;
-  RegisterClassFactory("Zebrin", NewZebrinObject);
   EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);
   DllRegisterServer();
   EXPECT_NE(CreateObject("qorvelole.zebrin"), nullptr);
@@ -120,7 +120,6 @@ TEST(RegistrationTest, CreatableOnlyWhileRegistered) {
 
 TEST(RegistrationTest, ClassObjectsAndUnloading) {
   ScopedEnv env;
-  RegisterClassFactory("Zebrin", NewZebrinObject);
   ClassFactory factory;
   EXPECT_EQ(DllGetClassObject(ClassNamed("Zebrin").guid, &factory), S_OK);
   EXPECT_EQ(DllGetClassObject(ClassNamed("ValueBox").guid, &factory), CLASS_E_CLASSNOTAVAILABLE);

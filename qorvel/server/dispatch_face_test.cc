@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "hosts/simulators.h"
+#include "qorvel/frame/control.h"
 #include "qorvel/frame/host_link.h"
-#include "qorvel/frame/registration.h"
 #include "qorvel/machining/tarvik3_face.h"
 #include "qorvel/platform/collection.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
+#include "qorvel/server/registration.h"
+#include "qorvel/session/zebrin.h"
 #include "qorvel/session/zebrin_face.h"
 
 namespace qorvel {
@@ -22,8 +25,6 @@ Variant Get(const AutomationObject& object, std::string_view name, std::vector<V
 class DispatchFaceTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    HostLink::Of(Host::kZebrin).Clear();
-    HostLink::Of(Host::kTarvik).Clear();
     zebrin_host_ = hosts::RunZebrin();
     tarvik_host_ = hosts::RunTarvik();
     zebrin_ = std::dynamic_pointer_cast<ClassObject>(NewZebrinObject());
@@ -45,9 +46,9 @@ TEST_F(DispatchFaceTest, ByNameWithoutCaseAndByDispid) {
   Call(zebrin_, "connect");
   EXPECT_EQ(GetMember(zebrin_, "VERSION").ToLong(), 2300);
   std::vector<Variant> none;
-  EXPECT_EQ(zebrin_->InvokeId(0x68030005, CallKind::kPropertyGet, none).ToLong(), 2300);
+  EXPECT_EQ(zebrin_->InvokeById(0x68030005, CallKind::kPropertyGet, none).ToLong(), 2300);
   std::vector<Variant> state{Variant(int32_t{2})};
-  zebrin_->InvokeId(0x68030002, CallKind::kPropertyPut, state);
+  zebrin_->InvokeById(0x68030002, CallKind::kPropertyPut, state);
   EXPECT_EQ(zebrin_host_->window_state, 2);
   EXPECT_EQ(zebrin_->Shape("Visible"), MemberShape::kProperty);
   EXPECT_EQ(zebrin_->Shape("execute"), MemberShape::kMethod);
@@ -110,7 +111,7 @@ TEST_F(DispatchFaceTest, MethodsAndPropertyReadsStandInForEachOther) {
   EXPECT_EQ(ErrorOf([&] { SetMember(zebrin_, "Execute", "X"); }), 438);
   EXPECT_EQ(ErrorOf([&] { Call(zebrin_, "InformationWindow", true); }), 438);
   std::vector<Variant> none;
-  EXPECT_EQ(ErrorOf([&] { zebrin_->InvokeId(0x12345, CallKind::kMethod, none); }), 438);
+  EXPECT_EQ(ErrorOf([&] { zebrin_->InvokeById(0x12345, CallKind::kMethod, none); }), 438);
 }
 
 TEST_F(DispatchFaceTest, ArgumentsConvertByTheAutomationRules) {
@@ -152,14 +153,57 @@ TEST_F(DispatchFaceTest, OmittedByReferenceArgumentsComeBackAsTheirDefaults) {
   EXPECT_EQ(status, 7);
 }
 
-TEST_F(DispatchFaceTest, ABindingForARowThatIsntThereIsRefused) {
-  struct Stray : ClassObject {
-    Stray() : ClassObject("Zebrin") {
-      Bind("ExitTarvik", MemberKind::kMethod, [](Args&) { return Variant(); });
-    }
+TEST_F(DispatchFaceTest, ABindingThatDoesntFitItsRowIsRefused) {
+  using R = Rows<Zebrin>;
+  const auto refused = [](std::vector<Binding<Zebrin>> rows) {
+    return ErrorOf([&] { BindingTable<Zebrin> table("Zebrin", {rows}); });
   };
-  EXPECT_EQ(ErrorOf([] { Stray stray; }), 5);
-  EXPECT_EQ(ErrorOf([] { ClassObject nothing("Nothing"); }), 5);
+  EXPECT_EQ(refused({R::Method<&Zebrin::Disconnect>("ExitTarvik")}), 5);  // no such row
+  EXPECT_EQ(refused({R::Method<&Zebrin::Disconnect>("ExitZebrin"),        // bound twice
+                     R::Method<&Zebrin::Disconnect>("ExitZebrin")}),
+            5);
+  EXPECT_EQ(refused({R::Method<&Zebrin::Execute>("ExitZebrin")}), 5);   // takes an argument
+  EXPECT_EQ(refused({R::Get<&Zebrin::Busy>("version")}), 5);            // another result
+  EXPECT_EQ(refused({R::Put<&Zebrin::SetWindowState>("Visible")}), 5);  // another type
+  EXPECT_EQ(ErrorOf([] { BindingTable<Zebrin> table("Nothing", {}); }), 5);
+}
+
+// A sink that writes down what it hears.
+class Sink : public Dispatch {
+ public:
+  Variant Invoke(std::string_view, CallKind, std::span<Variant>) override { Raise(438); }
+  Variant InvokeById(int32_t dispid, CallKind, std::span<Variant> args) override {
+    heard.push_back(std::to_string(dispid) + ":" + (args.empty() ? "" : args[0].ToText()));
+    if (fail) Raise(5);
+    return Variant();
+  }
+  std::vector<std::string> heard;
+  bool fail = false;
+};
+
+TEST_F(DispatchFaceTest, EventsReachTheConnectedSinksByDispid) {
+  auto first = std::make_shared<Sink>();
+  auto second = std::make_shared<Sink>();
+  first->fail = true;  // its failure is the client's: the second still hears the event
+  const int32_t cookie = zebrin_->Advise(first);
+  zebrin_->Advise(second);
+  Call(zebrin_, "Connect");  // ConnectionChange is declared and never raised
+  EXPECT_TRUE(first->heard.empty());
+
+  VariantBool connected = VariantBool::kTrue;
+  std::vector<Variant> args{Variant::Ref(connected)};
+  zebrin_->RaiseEvent(1, args);
+  EXPECT_EQ(first->heard, std::vector<std::string>{"1:True"});
+  EXPECT_EQ(second->heard, std::vector<std::string>{"1:True"});
+
+  zebrin_->Unadvise(cookie);
+  zebrin_->RaiseEvent(1, args);
+  EXPECT_EQ(first->heard.size(), 1u);
+  EXPECT_EQ(second->heard.size(), 2u);
+  EXPECT_EQ(ErrorOf([&] { zebrin_->Unadvise(cookie); }), 5);
+  EXPECT_EQ(ErrorOf([&] { zebrin_->RaiseEvent(2, args); }), 5);  // no such event
+  EXPECT_EQ(ErrorOf([&] { zebrin_->Advise(nullptr); }), 91);
+  EXPECT_NE(tarvik_->Advise(second), 0);  // __Tarvik3 declares no event but takes a sink
 }
 
 TEST_F(DispatchFaceTest, ReleasingTheLastReferenceTerminates) {
@@ -173,14 +217,51 @@ TEST_F(DispatchFaceTest, ReleasingTheLastReferenceTerminates) {
 }
 
 TEST_F(DispatchFaceTest, CreateObjectByProgrammaticName) {
-  RegisterClassFactory("Zebrin", NewZebrinObject);
   EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);  // not registered yet
   DllRegisterServer();
   auto object = std::dynamic_pointer_cast<ClassObject>(CreateObject("qorvelole.zebrin"));
   ASSERT_NE(object, nullptr);
   EXPECT_EQ(object->class_info().name, "Zebrin");
-  EXPECT_EQ(object->container(), &Container::RunTime());
-  EXPECT_EQ(object->user_control.Width, 500);
+  auto shell = std::dynamic_pointer_cast<ControlShell>(object);
+  ASSERT_NE(shell, nullptr);
+  EXPECT_EQ(shell->container(), &Container::RunTime());
+  EXPECT_EQ(shell->user_control.Width, 500);
+}
+
+class HostControlLifeTest : public ::testing::Test {
+ protected:
+  void SetUp() override { DllRegisterServer(); }
+  ScopedEnv env_;
+};
+
+TEST_F(HostControlLifeTest, TerminateOfOneInstanceDisconnectsTheOthers) {
+  auto host = hosts::RunZebrin();
+  AutomationObject first = CreateObject("QorvelOLE.Zebrin");
+  AutomationObject second = CreateObject("QorvelOLE.Zebrin");
+  EXPECT_EQ(std::dynamic_pointer_cast<ControlShell>(first)->user_control.Width, 500);
+  Call(first, "Connect");
+  Call(second, "Execute", "BEFORE");
+  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kTrue);
+
+  first.reset();  // the container destroys it: Terminate runs Disconnect
+  host->ClearLog();
+  Call(second, "Execute", "AFTER");
+  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kFalse);
+  EXPECT_TRUE(host->log().empty());  // the link is empty under the second one too
+  EXPECT_FALSE(host->exited);        // the host goes on running
+  EXPECT_TRUE(env_.env().messages().shown().empty());
+
+  Call(second, "Connect");  // its flag is false already: one Connect binds again
+  EXPECT_EQ(GetMember(second, "Connected").ToBool(), VariantBool::kTrue);
+}
+
+TEST_F(HostControlLifeTest, DestroyedWithoutAHostDoesNothingVisible) {
+  AutomationObject zebrin = CreateObject("QorvelOLE.Zebrin");
+  EXPECT_EQ(GetMember(zebrin, "version").ToLong(), 0);
+  zebrin.reset();
+  EXPECT_TRUE(env_.env().messages().shown().empty());
+  EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
+  EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
-#ifndef QORVEL_FRAME_REGISTRATION_H_
-#define QORVEL_FRAME_REGISTRATION_H_
+#ifndef QORVEL_SERVER_REGISTRATION_H_
+#define QORVEL_SERVER_REGISTRATION_H_
 
 #include <cstdint>
-#include <functional>
+#include <string_view>
 
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/variant.h"
+#include "qorvel/server/classes.h"
 
 namespace qorvel {
 
@@ -13,8 +14,6 @@ inline constexpr int32_t S_OK = 0;
 inline constexpr int32_t S_FALSE = 1;
 inline constexpr int32_t CLASS_E_CLASSNOTAVAILABLE = static_cast<int32_t>(0x80040111);
 inline constexpr int32_t SELFREG_E_CLASS = static_cast<int32_t>(0x80040201);
-
-using ClassFactory = std::function<AutomationObject()>;
 
 // The in-process server protocol, on the platform registry. Registering writes the type
 // library, the seven classes (programmatic names "QorvelOLE.<class>", apartment-threaded) and
@@ -31,10 +30,12 @@ int32_t DllCanUnloadNow();
 // The class factories' LockServer: a lock keeps the library loaded until it is released.
 void LockServer(bool lock);
 
-// Counts the library's live objects, for DllCanUnloadNow.
-void ObjectCreated();
-void ObjectDestroyed();
+// Creates a published class by its programmatic name ("QorvelOLE.Zebrin", any case), found
+// through the registry as a client's runtime finds it: the ProgID's CLSID, that class's
+// InprocServer32 entry, then the library's class factory. Raises 429 when the name or its class
+// isn't registered, or the class isn't built yet.
+AutomationObject CreateObject(std::string_view prog_id);
 
 }  // namespace qorvel
 
-#endif  // QORVEL_FRAME_REGISTRATION_H_
+#endif  // QORVEL_SERVER_REGISTRATION_H_

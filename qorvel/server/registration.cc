@@ -1,10 +1,11 @@
-#include "qorvel/frame/registration.h"
+#include "qorvel/server/registration.h"
 
 #include <atomic>
 
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -16,7 +17,6 @@ constexpr const char* kDualProxy = "{00020424-0000-0000-C000-000000000046}";
 constexpr const char* kDispatchProxy = "{00020420-0000-0000-C000-000000000046}";
 constexpr const char* kLibraryFlagControl = "2";
 
-std::atomic<int> live_objects{0};
 std::atomic<int> locks{0};
 
 void Set(const std::string& key, const std::string& name, const std::string& text) {
@@ -104,16 +104,16 @@ int32_t DllUnregisterServer() try {
 int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory) {
   for (const ClassInfo& c : TheTypeLibrary().classes) {
     if (c.guid == clsid) {
-      ClassFactory found = FactoryOf(c.name);
+      const ClassFactory found = FactoryOf(c.name);
       if (!found) return CLASS_E_CLASSNOTAVAILABLE;
-      if (factory) *factory = std::move(found);
+      if (factory) *factory = found;
       return S_OK;
     }
   }
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
-int32_t DllCanUnloadNow() { return live_objects == 0 && locks == 0 ? S_OK : S_FALSE; }
+int32_t DllCanUnloadNow() { return LiveObjects() == 0 && locks == 0 ? S_OK : S_FALSE; }
 
 // An unlock without a lock is ignored, so it can't keep the library loaded for ever.
 void LockServer(bool lock) {
@@ -125,7 +125,29 @@ void LockServer(bool lock) {
   while (held > 0 && !locks.compare_exchange_weak(held, held - 1)) {
   }
 }
-void ObjectCreated() { ++live_objects; }
-void ObjectDestroyed() { --live_objects; }
+namespace {
+// The default value of a key as text; empty when it isn't there or isn't text.
+std::string ClassesRootText(const std::string& key) {
+  const std::optional<RegValue> value =
+      Env::Current().registry().GetValue(HKEY_CLASSES_ROOT, key, "");
+  if (!value || (value->type != REG_SZ && value->type != REG_EXPAND_SZ)) return "";
+  std::string text(value->data.begin(), value->data.end());
+  return text.substr(0, text.find('\0'));
+}
+}  // namespace
+
+AutomationObject CreateObject(std::string_view prog_id) {
+  const std::string clsid = ClassesRootText(std::string(prog_id) + "\\CLSID");
+  if (clsid.empty() || ClassesRootText("CLSID\\" + clsid + "\\InprocServer32").empty()) {
+    Raise(err::kCantCreate);
+  }
+  for (const ClassInfo& c : TheTypeLibrary().classes) {
+    ClassFactory factory = nullptr;
+    if (EqualsNoCase(ToString(c.guid), clsid) && DllGetClassObject(c.guid, &factory) == S_OK) {
+      return factory();
+    }
+  }
+  Raise(err::kCantCreate);
+}
 
 }  // namespace qorvel

@@ -1,0 +1,62 @@
+#ifndef QORVEL_FRAME_CONTROL_H_
+#define QORVEL_FRAME_CONTROL_H_
+
+#include "qorvel/frame/control_shell.h"
+#include "qorvel/frame/dispatch_face.h"
+
+namespace qorvel {
+
+// A published control: the object of class C behind its face and in its shell. The container's
+// events go to the handlers C has; a C without Resize keeps the size its traits give. A C that
+// needs its shell or its face (to read UserMode, to raise events) gets both through
+// Sited(ControlShell&, ClassObject&) before its Initialize.
+template <class C>
+class Control final : public ClassObject, public ControlShell {
+ public:
+  explicit Control(const ShellTraits& traits) : ClassObject(BindingsOf<C>()), ControlShell(traits) {
+    if constexpr (requires(ControlShell & s, ClassObject & f) { object_.Sited(s, f); }) {
+      object_.Sited(*this, *this);
+    }
+  }
+  C& object() { return object_; }
+
+  void Initialize() override {
+    if constexpr (requires { object_.Initialize(); }) object_.Initialize();
+  }
+  void InitProperties() override {
+    if constexpr (requires { object_.InitProperties(); }) object_.InitProperties();
+  }
+  void ReadProperties(const PropertyBag& bag) override {
+    if constexpr (requires { object_.ReadProperties(bag); }) object_.ReadProperties(bag);
+  }
+  void WriteProperties(PropertyBag& bag) override {
+    if constexpr (requires { object_.WriteProperties(bag); }) object_.WriteProperties(bag);
+  }
+  void Resize() override {
+    if constexpr (requires { object_.Resize(); }) {
+      object_.Resize();
+    } else {
+      ControlShell::Resize();
+    }
+  }
+  void Terminate() override {
+    if constexpr (requires { object_.Terminate(); }) object_.Terminate();
+  }
+
+ private:
+  Variant Run(size_t slot, std::span<Variant> args) override {
+    return BindingsOf<C>().Run(slot, object_, args);
+  }
+  C object_;
+};
+
+// A new control of class C in the run-time container: Initialize and Resize have run, and
+// Terminate runs when the last reference goes.
+template <class C>
+AutomationObject NewControl(const ShellTraits& traits) {
+  return Container::RunTime().Site(std::make_unique<Control<C>>(traits));
+}
+
+}  // namespace qorvel
+
+#endif  // QORVEL_FRAME_CONTROL_H_

@@ -1,0 +1,20 @@
+#ifndef QORVEL_SERVER_CLASSES_H_
+#define QORVEL_SERVER_CLASSES_H_
+
+#include <string_view>
+
+#include "qorvel/platform/variant.h"
+
+namespace qorvel {
+
+// What makes a new instance of a published class: a control comes sited in the run-time
+// container, a plain class bare.
+using ClassFactory = AutomationObject (*)();
+
+// The factory of a class of the library by name (any case); nullptr for a class that isn't
+// built yet or isn't the library's.
+ClassFactory FactoryOf(std::string_view class_name);
+
+}  // namespace qorvel
+
+#endif  // QORVEL_SERVER_CLASSES_H_
