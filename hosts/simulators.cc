@@ -1,6 +1,7 @@
 #include "hosts/simulators.h"
 
 #include "hosts/host_table.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -79,7 +80,7 @@ std::vector<std::shared_ptr<SimHost>> StartedHosts() {
 std::shared_ptr<SimHost> LastStarted(std::string_view class_name) {
   const std::vector<std::shared_ptr<SimHost>> started = StartedHosts();
   for (auto it = started.rbegin(); it != started.rend(); ++it) {
-    if (Upper((*it)->class_name()) == Upper(class_name)) return *it;
+    if (EqualsNoCase((*it)->class_name(), class_name)) return *it;
   }
   return nullptr;
 }
