@@ -1,18 +1,9 @@
 #include "hosts/sim_host.h"
 
-#include <cctype>
-
 #include "hosts/host_table.h"
 #include "qorvel/platform/error.h"
 
 namespace qorvel::hosts {
-
-std::string Upper(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return out;
-}
-
 namespace {
 
 void NeedArgs(std::span<Variant> args, size_t count) {
@@ -36,14 +27,14 @@ Variant SimHost::Invoke(std::string_view member, CallKind kind, std::span<Varian
   for (const Variant& a : args) call.args.push_back(a.Deref());
   log_.push_back(std::move(call));
   if (gone_) Raise(err::kServerGone);
-  if (auto f = failing_members_.find(Upper(member)); f != failing_members_.end()) {
-    throw Error(f->second.number, f->second.description);
+  if (auto f = failing_members_.find(UpperCase(member)); f != failing_members_.end()) {
+    Raise(f->second.number, f->second.description);
   }
   return Answer(member, kind, args);
 }
 
 Variant SimHost::Answer(std::string_view member, CallKind kind, std::span<Variant> args) {
-  const std::string name = Upper(member);
+  const std::string name = UpperCase(member);
   const bool put = kind == CallKind::kPropertyPut;
   if (name == "WINDOWSTATE" && put) {
     NeedArgs(args, 1);
@@ -82,9 +73,9 @@ Variant SimHost::Answer(std::string_view member, CallKind kind, std::span<Varian
 
 std::string SimHost::Command(const Variant& command) {
   const std::string text = command.ToText();
-  const std::string key = Upper(text);
+  const std::string key = UpperCase(text);
   if (auto f = failing_commands_.find(key); f != failing_commands_.end()) {
-    throw Error(f->second.number, f->second.description);
+    Raise(f->second.number, f->second.description);
   }
   if (auto s = scripted_.find(key); s != scripted_.end()) return s->second;
   return RunCommand(text);
@@ -95,7 +86,7 @@ Variant SimHost::OtherMember(std::string_view, CallKind, std::span<Variant>) {
 }
 
 MemberShape SimHost::Shape(std::string_view member) const {
-  const std::string name = Upper(member);
+  const std::string name = UpperCase(member);
   if (name == "VERSION" || name == "BUSY" || name == "WINDOWSTATE" || name == "VISIBLE") {
     return MemberShape::kProperty;
   }
@@ -110,12 +101,12 @@ std::vector<Call> SimHost::log() const {
   return log_;
 }
 
-std::vector<std::string> SimHost::commands() const {
+std::vector<std::string> SimHost::commands(std::string_view member) const {
   std::lock_guard lock(mu_);
   std::vector<std::string> out;
   for (const Call& c : log_) {
-    const std::string name = Upper(c.member);
-    if ((name == "EXECUTE" || name == "EXECUTEEX") && !c.args.empty()) {
+    const bool command = EqualsNoCase(c.member, "Execute") || EqualsNoCase(c.member, "ExecuteEx");
+    if (command && !c.args.empty() && (member.empty() || EqualsNoCase(c.member, member))) {
       try {
         out.push_back(c.args[0].ToText());
       } catch (const Error&) {
@@ -143,19 +134,19 @@ Variant SimHost::version() const {
 
 void SimHost::ScriptReply(const std::string& command, const std::string& output) {
   std::lock_guard lock(mu_);
-  scripted_[Upper(command)] = output;
+  scripted_[UpperCase(command)] = output;
 }
 
 void SimHost::FailCommand(const std::string& command, int32_t number,
                           const std::string& description) {
   std::lock_guard lock(mu_);
-  failing_commands_[Upper(command)] = {number, description};
+  failing_commands_[UpperCase(command)] = {number, description};
 }
 
 void SimHost::FailMember(const std::string& member, int32_t number,
                          const std::string& description) {
   std::lock_guard lock(mu_);
-  failing_members_[Upper(member)] = {number, description};
+  failing_members_[UpperCase(member)] = {number, description};
 }
 
 void SimHost::ClearFaults() {

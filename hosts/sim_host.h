@@ -14,6 +14,7 @@
 
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel::hosts {
 
@@ -44,9 +45,9 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
 
   // The call log.
   std::vector<Call> log() const;
-  // The command texts of Execute and ExecuteEx calls, in order ("Execute: X", "ExecuteEx: X"
-  // are told apart by `Call::member` in log()).
-  std::vector<std::string> commands() const;
+  // The command texts of Execute and ExecuteEx calls, in order; with `member` ("Execute" or
+  // "ExecuteEx", any case), only those sent through that member.
+  std::vector<std::string> commands(std::string_view member = {}) const;
   void ClearLog();
 
   // Faults.
@@ -108,9 +109,6 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   bool gone_ = false;
   std::weak_ptr<HostTable> table_;  // where this host is registered as running
 };
-
-// Upper-case copy, for the host's case-insensitive command line and member names.
-std::string Upper(std::string_view text);
 
 // Where the simulated programs are "installed": launcher paths and registry entries match the
 // default .reg file in hosts/.

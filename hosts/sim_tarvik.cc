@@ -28,7 +28,7 @@ constexpr KindWords kKinds[3] = {{"TOOLPATH", "TOOLPATHS", "toolpaths", "Toolpat
                                  {"PATTERN", "PATTERNS", "patterns", "Pattern"},
                                  {"WORKPLANE", "WORKPLANES", "workplanes", "Workplane"}};
 
-[[noreturn]] void Reject(const std::string& why) { throw Error(kCommandRejected, why); }
+[[noreturn]] void Reject(const std::string& why) { Raise(kCommandRejected, why); }
 
 [[noreturn]] void Unknown(const std::string& command) { Reject("Unknown command: " + command); }
 
@@ -122,7 +122,7 @@ SimTarvik::SimTarvik() : SimHost("Tarvik.Document") { set_version(kDefaultVersio
 // for a rejected command while error dialogs are on.
 std::string SimTarvik::RunCommand(const std::string& command) {
   try {
-    const Words words = Split(Upper(command));
+    const Words words = Split(UpperCase(command));
     std::string reply = Run(command, words);
     if (message_dialogs_ && words[0] == "SIZE") ++message_dialogs_shown_;
     return reply;
@@ -280,9 +280,9 @@ std::string SimTarvik::Activate(const Words& words, const std::string& command) 
 }
 
 const SimTarvik::Entity* SimTarvik::Find(EntityKind kind, const std::string& name) const {
-  const std::string wanted = Upper(name);
+  const std::string wanted = UpperCase(name);
   for (const Entity& e : entities_[int(kind)]) {
-    if (Upper(e.name) == wanted) return &e;
+    if (UpperCase(e.name) == wanted) return &e;
   }
   return nullptr;
 }

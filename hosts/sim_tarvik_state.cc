@@ -56,7 +56,7 @@ void SimTarvik::AddEntity(EntityKind kind, const std::string& name, std::vector<
   }
   std::lock_guard lock(mu_);
   for (Entity& e : entities_[int(kind)]) {
-    if (Upper(e.name) == Upper(name)) {
+    if (EqualsNoCase(e.name, name)) {
       e.numbers = std::move(numbers);
       return;
     }
@@ -109,7 +109,7 @@ std::string SimTarvik::units() const {
 }
 
 void SimTarvik::set_units(const std::string& units) {
-  const std::string upper = Upper(units);
+  const std::string upper = UpperCase(units);
   if (upper != "MM" && upper != "INCHES") Raise(err::kInvalidCall, "Units are MM or INCHES");
   std::lock_guard lock(mu_);
   units_ = upper;

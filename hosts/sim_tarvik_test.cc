@@ -283,25 +283,5 @@ TEST_F(SimTarvikTest, AcceptsTheTraceCommandAndRejectsUnknownOnes) {
   EXPECT_EQ(Rejection("PRINT"), "Unknown command: PRINT");
 }
 
-TEST_F(SimTarvikTest, FrameworkFaultsStillApply) {
-  LoadModel();
-  EXPECT_EQ(GetMember(host_, "version").ToLong(), SimTarvik::kDefaultVersion);
-  tarvik_->ScriptReply("SIZE MODEL", "Error");
-  EXPECT_EQ(Ask("size model"), "Error");
-  tarvik_->ScriptReply("EDIT BLOCK RESET", "");
-  Send("EDIT BLOCK RESET");
-  EXPECT_FALSE(tarvik_->block().defined);  // scripted, so not run
-  tarvik_->FailMember("Execute", 1000, "untrace refused");
-  EXPECT_THROW(Send("NLTDEBUG UNTRACE COMMAND ACCEPT"), Error);
-  EXPECT_EQ(Ask("SIZE COMPONENTS"), "Components: 12\r\n");
-  tarvik_->GoAway();
-  try {
-    Ask("SIZE COMPONENTS");
-    FAIL();
-  } catch (const Error& e) {
-    EXPECT_EQ(e.number(), err::kServerGone);
-  }
-}
-
 }  // namespace
 }  // namespace qorvel::hosts

@@ -17,9 +17,9 @@ void SimZebrin::set_information_window(bool on) {
 }
 
 std::string SimZebrin::RunCommand(const std::string& command) {
-  const std::string upper = Upper(command);
+  const std::string upper = UpperCase(command);
   if (upper.find_first_not_of(' ') == std::string::npos) {
-    throw Error(kCommandRejected, "Empty command");
+    Raise(kCommandRejected, "Empty command");
   }
   if (upper == "ADVANCEDOPTS WINDOWS INFORMATION ON") {
     information_window_ = true;

@@ -2,6 +2,7 @@
 
 #include "hosts/host_table.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -84,7 +85,7 @@ std::vector<std::shared_ptr<SimHost>> StartedHosts() {
 std::shared_ptr<SimHost> LastStarted(std::string_view class_name) {
   const std::vector<std::shared_ptr<SimHost>> started = StartedHosts();
   for (auto it = started.rbegin(); it != started.rend(); ++it) {
-    if (Upper((*it)->class_name()) == Upper(class_name)) return *it;
+    if (EqualsNoCase((*it)->class_name(), class_name)) return *it;
   }
   return nullptr;
 }

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <thread>
 
+#include "hosts/host_table.h"
 #include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/error_testing.h"
@@ -99,14 +100,35 @@ TEST_F(SimulatorsTest, DefaultRegFileInstallsBothProgramsAndIsTheOneBuiltIn) {
   EXPECT_EQ(RegText("SOFTWARE\\Halvern\\tarvik\\2620", "ExecutablePath"), kTarvikProgram);
 }
 
-// The road a control takes to start a host: the version, then the path, then the launch.
-TEST_F(SimulatorsTest, StartingThroughTheRegistryReachesARunningHost) {
+TEST_F(SimulatorsTest, NewHostsOfAClassTakeItsPresetHoweverTheyStart) {
   InstallSimulatedHosts();
-  const std::string version = RegText("SOFTWARE\\Halvern\\Exec\\tarvik", "CurrentVersion");
-  const std::string path = RegText("SOFTWARE\\Halvern\\tarvik\\" + version, "ExecutablePath");
-  launcher().LaunchProgram(path, 3);
-  AutomationObject host = running().BindRunning("Tarvik.Document");
-  EXPECT_EQ(GetMember(host, "version").ToLong(), SimTarvik::kDefaultVersion);
+  HostPreset preset;
+  preset.version = Variant("2400");
+  preset.linger_on_exit = true;
+  preset.replies["PRINT VERSION"] = "old";
+  preset.failing_members["busy"] = {70, "Denied"};
+  HostTable::Of(Env::Current())->SetPreset("zebrin.DOCUMENT", preset);
+
+  launcher().LaunchProgram(kZebrinProgram, 3);
+  const std::vector<AutomationObject> made = {LastZebrin(), RunZebrin(),
+                                              running().CreateNew("Zebrin.Document")};
+  for (const AutomationObject& host : made) {
+    EXPECT_EQ(GetMember(host, "version").ToText(), "2400");
+    std::string command = "print version", output;
+    int32_t status = 0;
+    std::vector<Variant> args{Variant::Ref(command), Variant::Ref(status), Variant::Ref(output)};
+    CallMember(host, "ExecuteEx", args);
+    EXPECT_EQ(output, "old");
+    EXPECT_EQ(ErrorOf([&] { GetMember(host, "Busy"); }), 70);
+    CallMember(host, "Exit");
+    EXPECT_EQ(GetMember(host, "version").ToText(), "2400");  // lingers
+  }
+  EXPECT_EQ(GetMember(running().CreateNew("Tarvik.Document"), "version").ToLong(),
+            SimTarvik::kDefaultVersion);
+
+  HostTable::Of(Env::Current())->ClearPreset("Zebrin.Document");
+  EXPECT_EQ(GetMember(RunZebrin(), "version").ToLong(), SimZebrin::kDefaultVersion);
+  EXPECT_EQ(GetMember(made[0], "version").ToText(), "2400");  // made before: kept
 }
 
 }  // namespace

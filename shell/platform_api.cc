@@ -8,6 +8,7 @@
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/numbers.h"
+#include "qorvel/platform/text.h"
 #include "shell/lua_errors.h"
 #include "shell/qvsh.h"
 #include "shell/shell_env.h"
@@ -39,7 +40,7 @@ Key ArgKey(lua_State* L, int arg) {
   const size_t cut = text.find('\\');
   const std::string root = text.substr(0, cut);
   for (const auto& r : kRoots) {
-    if (qorvel::SameNameNoCase(root, r.name) || qorvel::SameNameNoCase(root, r.abbreviation)) {
+    if (qorvel::EqualsNoCase(root, r.name) || qorvel::EqualsNoCase(root, r.abbreviation)) {
       return Key{r.root, cut == std::string::npos ? "" : text.substr(cut + 1)};
     }
   }

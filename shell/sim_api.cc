@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "hosts/host_table.h"
 #include "hosts/simulators.h"
+#include "qorvel/platform/text.h"
 #include "shell/lua_errors.h"
 #include "shell/lua_values.h"
 #include "shell/qvsh.h"
@@ -16,8 +18,13 @@ namespace qvsh {
 namespace {
 
 using qorvel::CallKind;
+using qorvel::EqualsNoCase;
 using qorvel::Variant;
+using qorvel::hosts::HostPreset;
 using qorvel::hosts::SimHost;
+
+// The classes the simulators register under, as presets name them.
+const char* const kSimulatedClasses[] = {"Zebrin.Document", "Tarvik.Document"};
 
 std::shared_ptr<SimHost> ArgHost(lua_State* L, int arg) {
   const qorvel::AutomationObject* object = TestObject(L, arg);
@@ -36,6 +43,77 @@ int32_t ArgNumber32(lua_State* L, int arg) {
   const lua_Integer n = ArgInteger(L, arg);
   if (n < INT32_MIN || n > INT32_MAX) throw ArgError(arg, "beyond 32 bits");
   return int32_t(n);
+}
+
+std::string ArgClass(lua_State* L, int arg) {
+  const std::string name = ArgString(L, arg);
+  for (const char* known : kSimulatedClasses) {
+    if (EqualsNoCase(name, known)) return name;
+  }
+  throw ArgError(arg, "\"Zebrin.Document\" or \"Tarvik.Document\" expected, got \"" + name + '"');
+}
+
+// Calls `each(name, index)` for every entry of the table at `index`, whose keys must be texts.
+// `where` names the table in messages about argument `arg`.
+template <class Each>
+void ForEachNamed(lua_State* L, int arg, int index, const std::string& where, Each each) {
+  index = lua_absindex(L, index);
+  if (lua_type(L, index) != LUA_TTABLE) throw ArgError(arg, where + ": a table expected");
+  lua_pushnil(L);
+  while (lua_next(L, index) != 0) {
+    if (lua_type(L, -2) != LUA_TSTRING) throw ArgError(arg, where + ": names expected as keys");
+    each(std::string(lua_tostring(L, -2)), lua_gettop(L));
+    lua_pop(L, 1);
+  }
+}
+
+bool FlagAt(lua_State* L, int arg, int index, const std::string& where) {
+  if (lua_type(L, index) != LUA_TBOOLEAN) throw ArgError(arg, where + ": true or false expected");
+  return lua_toboolean(L, index);
+}
+
+// {number, description}, the arguments of FailCommand and FailMember after the name.
+HostPreset::Fault FaultAt(lua_State* L, int arg, int index, const std::string& where) {
+  const std::string expected = where + ": {number, description} expected";
+  if (lua_type(L, index) != LUA_TTABLE) throw ArgError(arg, expected);
+  lua_rawgeti(L, index, 1);
+  lua_rawgeti(L, index, 2);
+  int is_integer = 0;
+  const lua_Integer number = lua_tointegerx(L, -2, &is_integer);
+  if (!is_integer || number < INT32_MIN || number > INT32_MAX || lua_type(L, -1) != LUA_TSTRING) {
+    throw ArgError(arg, expected);
+  }
+  HostPreset::Fault fault{int32_t(number), lua_tostring(L, -1)};
+  lua_pop(L, 2);
+  return fault;
+}
+
+// {version=, busy=, lingerOnExit=, replies={[command]=output},
+//  failCommands={[command]={number, description}}, failMembers={[member]={...}}}
+HostPreset ArgPreset(lua_State* L, int arg) {
+  HostPreset preset;
+  ForEachNamed(L, arg, arg, "settings", [&](const std::string& name, int value) {
+    if (name == "version") {
+      preset.version = ToVariant(L, value);
+    } else if (name == "busy") {
+      preset.busy = FlagAt(L, arg, value, name);
+    } else if (name == "lingerOnExit") {
+      preset.linger_on_exit = FlagAt(L, arg, value, name);
+    } else if (name == "replies") {
+      ForEachNamed(L, arg, value, name, [&](const std::string& command, int output) {
+        if (lua_type(L, output) != LUA_TSTRING) throw ArgError(arg, "replies: texts expected");
+        preset.replies[command] = lua_tostring(L, output);
+      });
+    } else if (name == "failCommands" || name == "failMembers") {
+      auto& faults = name == "failCommands" ? preset.failing_commands : preset.failing_members;
+      ForEachNamed(L, arg, value, name, [&](const std::string& key, int fault) {
+        faults[key] = FaultAt(L, arg, fault, name + "." + key);
+      });
+    } else {
+      throw ArgError(arg, "unknown setting '" + name + "'");
+    }
+  });
+  return preset;
 }
 
 // An argument as a log line shows it: texts quoted, numbers as the host read them.
@@ -110,6 +188,19 @@ int Started(lua_State* L) {
   return 1;
 }
 
+// Sim.NextHosts(class, settings): every host of the class made from now on starts with them;
+// Sim.NextHosts(class): plain hosts again.
+int NextHosts(lua_State* L) {
+  const std::string class_name = ArgClass(L, 1);
+  auto table = qorvel::hosts::HostTable::Of(qorvel::Env::Current());
+  if (lua_isnoneornil(L, 2)) {
+    table->ClearPreset(class_name);
+  } else {
+    table->SetPreset(class_name, ArgPreset(L, 2));
+  }
+  return 0;
+}
+
 int SetVersion(lua_State* L) {
   ArgHost(L, 1)->set_version(ToVariant(L, 2));
   return 0;
@@ -162,8 +253,17 @@ int Log(lua_State* L) {
   return 1;
 }
 
+// Sim.Commands(host [, "Execute" or "ExecuteEx"])
 int Commands(lua_State* L) {
-  PushLines(L, ArgHost(L, 1)->commands());
+  std::shared_ptr<SimHost> host = ArgHost(L, 1);
+  std::string member;
+  if (!lua_isnoneornil(L, 2)) {
+    member = ArgString(L, 2);
+    if (!EqualsNoCase(member, "Execute") && !EqualsNoCase(member, "ExecuteEx")) {
+      throw ArgError(2, "\"Execute\" or \"ExecuteEx\" expected");
+    }
+  }
+  PushLines(L, host->commands(member));
   return 1;
 }
 
@@ -181,6 +281,7 @@ void OpenSimulators(lua_State* L) {
                                 {"SetStartDelay", Protected<SetStartDelay>},
                                 {"LastStarted", Protected<LastStarted>},
                                 {"Started", Protected<Started>},
+                                {"NextHosts", Protected<NextHosts>},
                                 {"SetVersion", Protected<SetVersion>},
                                 {"ScriptReply", Protected<ScriptReply>},
                                 {"FailCommand", Protected<FailCommand>},

@@ -93,7 +93,7 @@ Variant RunMember(Object& object, std::span<Variant> args) {
     } else {
       result = Variant((object.*M)(std::get<I>(values)...));
     }
-    const auto write_back = [&]<size_t J>() {
+    [[maybe_unused]] const auto write_back = [&]<size_t J>() {
       using Param = std::tuple_element_t<J, typename Traits::Params>;
       if constexpr (std::is_lvalue_reference_v<Param> &&
                     !std::is_const_v<std::remove_reference_t<Param>>) {

@@ -1,7 +1,7 @@
 #include "qorvel/frame/pictures.h"
 
 #include "pictures_data.inc"
-#include "qorvel/frame/type_library.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 
@@ -13,7 +13,7 @@ std::span<const uint8_t> ControlPicture(std::string_view class_name) {
       {"UlmoraNearestPoints", k_ulmoranearestpoints_ico},
       {"UlmoraSurfaceInfo", k_ulmorasurfaceinfo_ico}};
   for (const auto& [name, bytes] : pictures) {
-    if (SameNameNoCase(name, class_name)) return bytes;
+    if (EqualsNoCase(name, class_name)) return bytes;
   }
   return {};
 }

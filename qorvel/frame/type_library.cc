@@ -387,14 +387,12 @@ TypeLibrary Build() {
 template <class T>
 const T* FindByName(const std::vector<T>& items, std::string_view name) {
   for (const T& item : items) {
-    if (SameNameNoCase(item.name, name)) return &item;
+    if (EqualsNoCase(item.name, name)) return &item;
   }
   return nullptr;
 }
 
 }  // namespace
-
-bool SameNameNoCase(std::string_view a, std::string_view b) { return EqualsNoCase(a, b); }
 
 VarType AutomationType(ParamType type) {
   switch (type) {
@@ -487,7 +485,7 @@ const EnumInfo* TypeLibrary::FindEnum(std::string_view name) const {
 
 const MemberInfo* FindMember(const InterfaceInfo& iface, std::string_view name, MemberKind kind) {
   for (const MemberInfo& m : iface.members) {
-    if (m.kind == kind && SameNameNoCase(m.name, name)) return &m;
+    if (m.kind == kind && EqualsNoCase(m.name, name)) return &m;
   }
   return nullptr;
 }

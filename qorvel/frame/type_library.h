@@ -169,9 +169,6 @@ constexpr int32_t EnumMemberId(size_t position) {
   return kFirstEnumMemberId + static_cast<int32_t>(position);
 }
 
-// Member and class names match without regard to case, as automation lookups do.
-bool SameNameNoCase(std::string_view a, std::string_view b);
-
 }  // namespace qorvel
 
 #endif  // QORVEL_FRAME_TYPE_LIBRARY_H_

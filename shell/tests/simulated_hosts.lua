@@ -36,9 +36,9 @@ local ok, err = pcall(function() return host.NoSuchMember end)
 assert(not ok and err.number == 438)
 
 -- Versions: 0 and values beyond 16 bits mean not connected; text that reads as a number does.
-for _, case in ipairs({{0, false}, {70000, false}, {-5, true}, {"2400", true}}) do
+for _, case in ipairs({{0, false, 0}, {70000, false, 0}, {-5, true, -5}, {"2400", true, 2400}}) do
   Sim.SetVersion(host, case[1])
-  assert(z.Connected == case[2], tostring(case[1]))
+  assert(z.Connected == case[2] and z.version == case[3], tostring(case[1]))
 end
 Sim.SetVersion(host, 2300)
 
@@ -70,6 +70,52 @@ assert(Sim.Units(tarvik) == "INCHES")
 Sim.ClearModel(tarvik)
 assert(t.IsModelLoaded == false)
 
+-- Execute and ExecuteEx told apart: reading Dialogs sends the trace command, then its query.
+Sim.ClearLog(tarvik)
+t:Execute("DIALOGS MESSAGE OFF")
+assert(t.Dialogs == false)
+assert(table.concat(Sim.Commands(tarvik, "Execute"), "|") ==
+  "DIALOGS MESSAGE OFF|NLTDEBUG UNTRACE COMMAND ACCEPT")
+assert(table.concat(Sim.Commands(tarvik, "executeex"), "|") ==
+  "print formvalue roughmenubar.view.dialogs.message")
+assert(#Sim.Commands(tarvik) == 3)
+
+-- Hosts made later take the settings of their class. Mode 2 creates an old Tarvik, reads its
+-- version, lets go of it and raises the gate's error: nothing else reaches it.
+Sim.NextHosts("tarvik.document", {version = 2400, failMembers = {Exit = {70, "Denied"}}})
+local fresh = CreateObject("QorvelOLE.Tarvik3")
+ok, err = pcall(function() fresh:Connect(qvStartNewTarvik) end)
+assert(not ok and err.number == 60000, tostring(err))
+assert(err.description == "Control only supports Tarvik3 onwards")
+assert(fresh.Connected == false and fresh:ExecuteEx("ECHO x") == "Error")
+local old = Sim.LastStarted("Tarvik.Document")
+assert(old ~= tarvik and #Sim.Started() == 3)
+log = Sim.Log(old)
+assert(#log == 1 and log[1] == "version", table.concat(log, " | "))
+assert(old.version == 2400)
+ok, err = pcall(function() old:Exit() end)
+assert(not ok and err.number == 70)
+-- A bad preset is refused whole, and the class keeps the one it had.
+ok, err = pcall(Sim.NextHosts, "Tarvik.Document", {version = 2600, lingr = true})
+assert(not ok and err:find("unknown setting 'lingr'"), err)
+ok, err = pcall(Sim.NextHosts, "Tarvik.Document", {failCommands = {X = {"70"}}})
+assert(not ok and err:find("failCommands.X: {number, description} expected"), err)
+ok, err = pcall(Sim.NextHosts, "Tarvik.Documents", {})
+assert(not ok and err:find('"Zebrin.Document" or "Tarvik.Document" expected'), err)
+ok, err = pcall(function() fresh:Connect(qvStartNewTarvik) end)
+assert(not ok and err.number == 60000)
+-- Without settings the class is plain again.
+Sim.NextHosts("Tarvik.Document")
+fresh:Connect(qvStartNewTarvik)
+assert(fresh.Connected and fresh.version == 2620 and Sim.LastStarted("Tarvik.Document") ~= old)
+
+-- A control the script drops runs Terminate when collected, and its Disconnect empties the
+-- link under every other control of that host.
+assert(fresh.Connected)
+do local dropped = CreateObject("QorvelOLE.Tarvik3") end
+collectgarbage()
+assert(fresh.Connected == false)
+
 -- Bad arguments to the controls are errors, never a crash.
 ok, err = pcall(Sim.SetVersion, z, 1)
 assert(not ok and err:find("simulated host expected"), err)
@@ -77,6 +123,8 @@ ok, err = pcall(Sim.LoadModel, host, 0, 0, 0, 1, 1, 1)
 assert(not ok and err:find("simulated Tarvik expected"), err)
 ok, err = pcall(Sim.SetActive, tarvik, "toolpath", "nothing")
 assert(not ok and err.number == 5, tostring(err))
+ok, err = pcall(Sim.Commands, host, "Exit")
+assert(not ok and err:find('"Execute" or "ExecuteEx" expected'), err)
 ok, err = pcall(Sim.SetActive, tarvik, "surface", "x")
 assert(not ok and err:find("invalid option"), err)
 print("simulated hosts: ok")

@@ -17,10 +17,6 @@ local cmds = Sim.Commands(host)
 assert(#cmds == 3, #cmds)
 assert(cmds[3] == "ADVANCEDOPTS WINDOWS INFORMATION OFF")
 
-Sim.SetVersion(host, 70000)                   -- beyond 16 bits: not connected
-assert(z.version == 0 and z.Connected == false)
-Sim.SetVersion(host, 2300)
-
 -- Visible put lets the host's error through, with its number and description.
 z:Connect()
 Sim.GoAway(host)
