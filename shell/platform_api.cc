@@ -1,6 +1,7 @@
 // The platform services as scripts see them: the tables Registry and Regional, and the message
 // boxes shown so far.
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
@@ -85,14 +86,79 @@ int Exists(lua_State* L) {
   return 1;
 }
 
+// A symbol numbers can be read with: some text, and no digit in it.
+std::string ArgSymbol(int arg, const std::string& text, const char* what) {
+  if (text.empty() || text.find_first_of("0123456789") != std::string::npos) {
+    throw ArgError(arg, std::string(what) + " symbol expected: one or more characters, no digits");
+  }
+  return text;
+}
+
 int SetDecimal(lua_State* L) {
-  qorvel::SetDecimalSymbol(TheRegistry(), ArgString(L, 1));
+  qorvel::SetDecimalSymbol(TheRegistry(), ArgSymbol(1, ArgString(L, 1), "a decimal"));
+  return 0;
+}
+
+// Regional.Set{decimal=, thousand=, currency=}: what it names, all checked before any is set.
+// A decimal symbol alone takes the grouping symbol out of its way, as SetDecimal does.
+int Set(lua_State* L) {
+  ArgTable(L, 1);
+  for (lua_pushnil(L); lua_next(L, 1) != 0; lua_pop(L, 1)) {
+    const char* key = lua_type(L, -2) == LUA_TSTRING ? lua_tostring(L, -2) : "";
+    if (std::strcmp(key, "decimal") != 0 && std::strcmp(key, "thousand") != 0 &&
+        std::strcmp(key, "currency") != 0) {
+      throw ArgError(1, "only the fields decimal, thousand and currency expected");
+    }
+  }
+  auto field = [L](const char* name, const char* what) -> std::optional<std::string> {
+    const int type = lua_getfield(L, 1, name);
+    std::optional<std::string> text;
+    if (type == LUA_TSTRING) {
+      size_t size = 0;
+      const char* data = lua_tolstring(L, -1, &size);
+      text = ArgSymbol(1, std::string(data, size), what);
+    } else if (type != LUA_TNIL) {
+      throw ArgError(1, std::string("text expected in field '") + name + "'");
+    }
+    lua_pop(L, 1);
+    return text;
+  };
+  const auto decimal = field("decimal", "a decimal");
+  const auto thousand = field("thousand", "a grouping");
+  const auto currency = field("currency", "a currency");
+  if (thousand && *thousand == decimal.value_or(qorvel::CurrentNumberSymbols().decimal)) {
+    throw ArgError(1, "the grouping symbol must differ from the decimal symbol");
+  }
+  qorvel::Registry& registry = TheRegistry();
+  if (decimal) qorvel::SetDecimalSymbol(registry, *decimal);
+  if (thousand) {
+    registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sThousand",
+                       *thousand);
+  }
+  if (currency) {
+    registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sCurrency",
+                       *currency);
+  }
   return 0;
 }
 
 int Decimal(lua_State* L) {
   const std::string symbol = qorvel::CurrentNumberSymbols().decimal;
   lua_pushlstring(L, symbol.data(), symbol.size());
+  return 1;
+}
+
+// {decimal=, thousand=, currency=}: the symbols now in force.
+int Symbols(lua_State* L) {
+  const qorvel::NumberSymbols symbols = qorvel::CurrentNumberSymbols();
+  lua_createtable(L, 0, 3);
+  auto set = [L](const char* name, const std::string& text) {
+    lua_pushlstring(L, text.data(), text.size());
+    lua_setfield(L, -2, name);
+  };
+  set("decimal", symbols.decimal);
+  set("thousand", symbols.thousand);
+  set("currency", symbols.currency);
   return 1;
 }
 
@@ -127,8 +193,11 @@ void OpenPlatform(lua_State* L) {
                                {nullptr, nullptr}};
   luaL_newlib(L, registry);
   lua_setglobal(L, "Registry");
-  const luaL_Reg regional[] = {
-      {"SetDecimal", Protected<SetDecimal>}, {"Decimal", Protected<Decimal>}, {nullptr, nullptr}};
+  const luaL_Reg regional[] = {{"SetDecimal", Protected<SetDecimal>},
+                               {"Set", Protected<Set>},
+                               {"Decimal", Protected<Decimal>},
+                               {"Symbols", Protected<Symbols>},
+                               {nullptr, nullptr}};
   luaL_newlib(L, regional);
   lua_setglobal(L, "Regional");
   lua_register(L, "MessageBoxes", Protected<MessageBoxes>);

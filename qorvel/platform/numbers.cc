@@ -4,8 +4,9 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <locale>
 
 #include "qorvel/platform/env.h"
@@ -131,18 +132,38 @@ std::optional<double> ToDouble(const std::string& plain) {
   return value;
 }
 
-// "&H1F" and "&O17", read as the runtime reads hex and octal literals: a pattern of up to 16 bits
-// is an Integer and one of up to 32 bits a Long, so "&HFFFF" is -1.
-std::optional<double> ParseRadix(std::string_view text) {
-  const int base = text[1] == 'H' || text[1] == 'h' ? 16 : 8;
-  text.remove_prefix(2);
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Takes `prefix` off the front of `text` if it stands there.
+bool Take(std::string_view& text, std::string_view prefix) {
+  if (prefix.empty() || !text.starts_with(prefix)) return false;
+  text.remove_prefix(prefix.size());
+  return true;
+}
+
+// "&H1F", "&O17" or "&17" after the "&". A pattern of up to 16 bits is an Integer's only for an
+// Integer; one of up to 32 bits is a Long's whatever the target, so "&HFFFFFFFF" is -1.
+NumberReading ReadRadix(std::string_view text, NumberTarget target) {
+  int base = 8;
+  if (Take(text, "H") || Take(text, "h")) {
+    base = 16;
+  } else if (!Take(text, "O")) {
+    Take(text, "o");
+  }
   uint64_t bits = 0;
   auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), bits, base);
-  if (text.empty() || ec != std::errc() || end != text.data() + text.size() || bits > 0xFFFFFFFF) {
-    return std::nullopt;
+  if (text.empty() || end != text.data() + text.size() ||
+      (ec != std::errc() && ec != std::errc::result_out_of_range)) {
+    return {};
   }
-  if (bits <= 0xFFFF) return static_cast<int16_t>(bits);
-  return static_cast<int32_t>(bits);
+  if (ec == std::errc::result_out_of_range || bits > 0xFFFFFFFF) {
+    return {NumberStatus::kOverflow, 0};
+  }
+  if (bits <= 0xFFFF && target == NumberTarget::kInteger) {
+    return {NumberStatus::kNumber, static_cast<double>(static_cast<int16_t>(bits))};
+  }
+  if (bits <= 0xFFFF) return {NumberStatus::kNumber, static_cast<double>(bits)};
+  return {NumberStatus::kNumber, static_cast<double>(static_cast<int32_t>(bits))};
 }
 
 std::string TextValue(const std::optional<RegValue>& value, const char* fallback) {
@@ -154,48 +175,95 @@ std::string TextValue(const std::optional<RegValue>& value, const char* fallback
 
 }  // namespace
 
-std::optional<double> ParseNumber(std::string_view text, const NumberSymbols& symbols) {
+NumberReading ReadNumber(std::string_view text, NumberTarget target, const NumberSymbols& symbols) {
   text = Trim(text);
-  if (text.size() >= 2 && text[0] == '&' && std::strchr("HhOo", text[1])) return ParseRadix(text);
-  std::string plain;
-  if (!text.empty() && (text[0] == '+' || text[0] == '-')) {
-    if (text[0] == '-') plain += '-';
+  if (Take(text, "&")) return ReadRadix(text, target);
+
+  // What may stand around the digits, each at most once: a sign or an opening parenthesis, and
+  // the currency symbol, with blanks anywhere among them.
+  bool negative = false;
+  bool sign = false;
+  bool parens = false;
+  bool currency = false;
+  auto take_sign = [&] {
+    if (sign || parens || text.empty() || (text[0] != '-' && text[0] != '+')) return false;
+    sign = true;
+    negative = text[0] == '-';
     text.remove_prefix(1);
+    return true;
+  };
+  auto take_currency = [&] { return !currency && (currency = Take(text, symbols.currency)); };
+  auto take_blank = [&] { return Take(text, " ") || Take(text, "\t"); };
+  while (take_blank() || take_sign() || take_currency() ||
+         (!sign && !parens && (parens = Take(text, "(")))) {
   }
-  bool digits = false;
+
+  std::string plain;
   bool fraction = false;
+  int whole_digits = 0;   // significant digits in front of the decimal symbol
+  int leading_zeros = 0;  // zeros behind the decimal symbol before the first other digit
+  bool significant = false;
   while (!text.empty()) {
-    if (std::isdigit(static_cast<unsigned char>(text[0]))) {
+    if (IsDigit(text[0])) {
+      significant = significant || text[0] != '0';
+      if (significant && !fraction) ++whole_digits;
+      if (!significant && fraction) ++leading_zeros;
       plain += text[0];
-      digits = true;
       text.remove_prefix(1);
-    } else if (!fraction && text.starts_with(symbols.decimal)) {
+    } else if (!fraction && Take(text, symbols.decimal)) {
       plain += '.';
       fraction = true;
-      text.remove_prefix(symbols.decimal.size());
-    } else if (!fraction && digits && !symbols.thousand.empty() &&
-               text.starts_with(symbols.thousand)) {
-      text.remove_prefix(symbols.thousand.size());
+    } else if (!fraction && !plain.empty() && Take(text, symbols.thousand)) {
     } else {
       break;
     }
   }
-  if (!digits) return std::nullopt;
-  if (!text.empty() && (text[0] == 'e' || text[0] == 'E' || text[0] == 'd' || text[0] == 'D')) {
-    plain += 'e';
-    text.remove_prefix(1);
-    if (!text.empty() && (text[0] == '+' || text[0] == '-')) {
-      plain += text[0];
-      text.remove_prefix(1);
-    }
-    if (text.empty()) return std::nullopt;
-    while (!text.empty() && std::isdigit(static_cast<unsigned char>(text[0]))) {
-      plain += text[0];
-      text.remove_prefix(1);
+  if (plain.empty() || plain == ".") return {};
+
+  // "E" starts an exponent only with digits behind it, so a currency such as "EUR" still ends a
+  // number. "D", which VBA source allows, is no exponent letter here.
+  int exponent = 0;
+  if (text.size() >= 2 && (text[0] == 'E' || text[0] == 'e')) {
+    const size_t digits = text[1] == '+' || text[1] == '-' ? 2 : 1;
+    if (text.size() > digits && IsDigit(text[digits])) {
+      const bool down = text[1] == '-';
+      plain += 'e';
+      plain += text.substr(1, digits - 1);
+      text.remove_prefix(digits);
+      while (!text.empty() && IsDigit(text[0])) {
+        exponent = std::min(exponent * 10 + (text[0] - '0'), 100000);
+        plain += text[0];
+        text.remove_prefix(1);
+      }
+      if (down) exponent = -exponent;
     }
   }
-  if (!text.empty()) return std::nullopt;
-  return ToDouble(plain);
+
+  bool closed = false;
+  while (take_blank() || take_sign() || take_currency() ||
+         (parens && !closed && (closed = Take(text, ")")))) {
+  }
+  if (!text.empty() || parens != closed) return {};
+
+  double value = 0;
+  auto [end, ec] = std::from_chars(plain.data(), plain.data() + plain.size(), value);
+  if (end != plain.data() + plain.size() ||
+      (ec != std::errc() && ec != std::errc::result_out_of_range)) {
+    return {};
+  }
+  if (ec == std::errc::result_out_of_range) {
+    // Past the range one way or the other: the power of ten of the first digit tells which.
+    const int power = (whole_digits > 0 ? whole_digits - 1 : -leading_zeros - 1) + exponent;
+    if (power > 0) return {NumberStatus::kOverflow, 0};
+    value = 0;
+  }
+  return {NumberStatus::kNumber, negative || parens ? -value : value};
+}
+
+std::optional<double> ParseNumber(std::string_view text, const NumberSymbols& symbols) {
+  const NumberReading reading = ReadNumber(text, NumberTarget::kDouble, symbols);
+  if (reading.status != NumberStatus::kNumber) return std::nullopt;
+  return reading.value;
 }
 
 std::string FormatGeneral(double value, const NumberSymbols& symbols) {
@@ -285,11 +353,16 @@ NumberSymbols CurrentNumberSymbols() {
         TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal"), ".");
     symbols.thousand =
         TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",");
+    symbols.currency =
+        TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency"), "$");
     seen = now;
   }
   return symbols;
 }
 
+NumberReading ReadNumber(std::string_view text, NumberTarget target) {
+  return ReadNumber(text, target, CurrentNumberSymbols());
+}
 std::optional<double> ParseNumber(std::string_view text) {
   return ParseNumber(text, CurrentNumberSymbols());
 }
@@ -299,29 +372,44 @@ std::string FormatPattern(double value, std::string_view picture) {
 }
 
 void SeedNumberSymbols(Registry& registry) {
-  std::string decimal = ".";
-  std::string thousand = ",";
+  NumberSymbols locale;
+  std::string sep;
   try {
     const std::locale user("");
     const auto& punct = std::use_facet<std::numpunct<char>>(user);
     // A byte outside ASCII is half of a multi-byte symbol here and no symbol on its own.
     auto usable = [](char c) { return c > ' ' && c < 0x7F && !std::isdigit(c); };
-    const char point = punct.decimal_point();
-    const char sep = punct.thousands_sep();
-    if (usable(point)) decimal = std::string(1, point);
-    thousand = usable(sep) && sep != decimal[0] ? std::string(1, sep) : decimal == "," ? "." : ",";
+    if (usable(punct.decimal_point())) locale.decimal = std::string(1, punct.decimal_point());
+    if (usable(punct.thousands_sep())) sep = std::string(1, punct.thousands_sep());
+    // A whole symbol, so bytes of a multi-byte one are welcome; digits and blanks are not.
+    const std::string symbol = std::use_facet<std::moneypunct<char>>(user).curr_symbol();
+    if (!symbol.empty() && symbol.find_first_of("0123456789 \t") == std::string::npos) {
+      locale.currency = symbol;
+    }
   } catch (const std::exception&) {
-    // No usable process locale: keep the point and the comma.
+    // No usable process locale: keep the point, the comma and the dollar.
   }
-  if (!registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal")) {
-    registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sDecimal", decimal);
-  }
-  if (!registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand")) {
-    registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", thousand);
-  }
+  auto seed = [&registry](const char* name, const std::string& text) {
+    if (!registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, name)) {
+      registry.SetString(HKEY_CURRENT_USER, kInternationalKey, name, text);
+    }
+  };
+  seed("sDecimal", locale.decimal);
+  // The grouping symbol must differ from the decimal symbol in force, which the user may have
+  // set apart from the locale.
+  const std::string decimal =
+      TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal"), ".");
+  seed("sThousand", !sep.empty() && sep != decimal ? sep : decimal == "," ? "." : ",");
+  seed("sCurrency", locale.currency);
 }
 
 void SetDecimalSymbol(Registry& registry, const std::string& symbol) {
+  const std::string thousand =
+      TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",");
+  if (thousand == symbol) {
+    registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand",
+                       symbol == "," ? "." : ",");
+  }
   registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sDecimal", symbol);
 }
 

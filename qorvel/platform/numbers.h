@@ -11,11 +11,30 @@ namespace qorvel {
 struct NumberSymbols {
   std::string decimal = ".";
   std::string thousand = ",";
+  std::string currency = "$";
 };
 
-// Text to number by the regional settings, as the automation runtime reads it: blanks around,
-// a sign, grouping symbols among the digits, the decimal symbol, an exponent. nullopt when the
-// text is no number.
+// The type a text is read for. It matters to hex and octal literals alone: one that fits 16 bits
+// is an Integer's bit pattern only for an Integer, so "&HFFFF" is -1 there and 65535 elsewhere.
+enum class NumberTarget { kInteger, kLong, kDouble };
+
+enum class NumberStatus {
+  kNumber,
+  kNoNumber,  // what the runtime calls a type mismatch
+  kOverflow,  // a number too large for a Double, or a hex or octal literal past 32 bits
+};
+struct NumberReading {
+  NumberStatus status = NumberStatus::kNoNumber;
+  double value = 0;
+};
+
+// Text to number by the regional settings, as the automation runtime reads it: blanks anywhere
+// around the digits; one sign in front or behind, or parentheses for a negative; the currency
+// symbol in front or behind; grouping symbols among the whole digits; the decimal symbol; an
+// exponent after "E". Or a hex or octal literal alone: "&H1F", "&O17", "&17". A number too small
+// for a Double reads as 0.
+NumberReading ReadNumber(std::string_view text, NumberTarget target, const NumberSymbols& symbols);
+// The same for a Double; nullopt when the text is no number or too large.
 std::optional<double> ParseNumber(std::string_view text, const NumberSymbols& symbols);
 // The general form: 15 significant digits, trailing zeros dropped, exponent form ("1E+15",
 // "1E-05", "1.5E-10") outside 1E-4 <= |x| < 1E+15.
@@ -30,17 +49,19 @@ double ReadNumberPrefix(std::string_view text);
 
 // The same, with the symbols of the user's regional settings now in force.
 NumberSymbols CurrentNumberSymbols();
+NumberReading ReadNumber(std::string_view text, NumberTarget target);
 std::optional<double> ParseNumber(std::string_view text);
 std::string FormatGeneral(double value);
 std::string FormatPattern(double value, std::string_view picture);
 
 // Where the user's regional settings live in the registry (under HKEY_CURRENT_USER, values
-// "sDecimal" and "sThousand").
+// "sDecimal", "sThousand" and "sCurrency").
 inline constexpr const char* kInternationalKey = "Control Panel\\International";
 class Registry;
 // Writes the process locale's symbols into the registry where it has none yet.
 void SeedNumberSymbols(Registry& registry);
-// Sets the user's decimal symbol (scripts and tests play a comma region with it).
+// Sets the user's decimal symbol (scripts and tests play a comma region with it). A grouping
+// symbol equal to it gives way to the other of point and comma, so the two never match.
 void SetDecimalSymbol(Registry& registry, const std::string& symbol);
 
 }  // namespace qorvel

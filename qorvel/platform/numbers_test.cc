@@ -8,43 +8,116 @@
 namespace qorvel {
 namespace {
 
-const NumberSymbols kPoint{".", ","};
-const NumberSymbols kComma{",", "."};
+const NumberSymbols kPoint{".", ",", "$"};
+const NumberSymbols kComma{",", ".", "\u20AC"};  // the euro sign, three bytes
 
-TEST(NumbersTest, ParseNumberByRegion) {
+// What a text reads as: a value, or no number, or overflow.
+struct Reading {
+  NumberStatus status;
+  double value = 0;
+};
+Reading Is(double value) { return {NumberStatus::kNumber, value}; }
+const Reading kNoNumber{NumberStatus::kNoNumber};
+const Reading kOverflow{NumberStatus::kOverflow};
+
+// Each row once in each region: the point region's text, then the comma region's.
+TEST(NumbersTest, ReadNumberByRegion) {
+  struct Case {
+    const char* point;
+    const char* comma;
+    Reading reading;
+  } cases[] = {
+      {"12", "12", Is(12)},
+      {" -2.5 ", " -2,5 ", Is(-2.5)},
+      {"+7", "+7", Is(7)},
+      {"5.", "5,", Is(5)},
+      {".5", ",5", Is(0.5)},
+      {"1,234.5", "1.234,5", Is(1234.5)},
+      {"2,5", "2.5", Is(25)},  // a grouping symbol among whole digits, as the runtime reads it
+      {"1.5E-3", "1,5E-3", Is(0.0015)},
+      {"1e2", "1e2", Is(100)},
+      {"(2.5)", "(2,5)", Is(-2.5)},
+      {"5-", "5-", Is(-5)},
+      {"5 -", "5 -", Is(-5)},
+      {"- 5", "- 5", Is(-5)},
+      {"5+", "5+", Is(5)},
+      {"$5", "\u20AC5", Is(5)},
+      {"5$", "5\u20AC", Is(5)},
+      {"-$5", "-\u20AC5", Is(-5)},
+      {"$-5", "\u20AC-5", Is(-5)},
+      {"($1,234.5)", "(\u20AC1.234,5)", Is(-1234.5)},
+      {"1E400", "1E400", kOverflow},
+      {"1E-400", "1E-400", Is(0)},
+      {"0E999", "0E999", Is(0)},
+      {"1D2", "1D2", kNoNumber},  // D is an exponent letter of VBA source, not of the runtime
+      {"", "", kNoNumber},
+      {"abc", "abc", kNoNumber},
+      {"1x", "1x", kNoNumber},
+      {"-", "-", kNoNumber},
+      {".", ",", kNoNumber},
+      {"$", "\u20AC", kNoNumber},
+      {"1e", "1e", kNoNumber},
+      {"-5-", "-5-", kNoNumber},
+      {"(-5)", "(-5)", kNoNumber},
+      {"-(5)", "-(5)", kNoNumber},
+      {"(5", "(5", kNoNumber},
+      {"$$5", "\u20AC\u20AC5", kNoNumber},
+      {"1.2.3", "1,2,3", kNoNumber},
+      {",5", ".5", kNoNumber},  // grouping only after a digit
+  };
+  for (const Case& c : cases) {
+    for (const auto& [text, symbols] : {std::pair{c.point, &kPoint}, std::pair{c.comma, &kComma}}) {
+      const NumberReading got = ReadNumber(text, NumberTarget::kDouble, *symbols);
+      EXPECT_EQ(got.status, c.reading.status) << text;
+      EXPECT_EQ(got.value, c.reading.value) << text;
+    }
+  }
+  // Past a Double's range without an exponent: as many digits as it takes.
+  const std::string zeros(400, '0');
+  EXPECT_EQ(ReadNumber("1" + zeros, NumberTarget::kDouble, kComma).status, NumberStatus::kOverflow);
+  EXPECT_EQ(ReadNumber("0," + zeros + "1", NumberTarget::kDouble, kComma).value, 0);
+  EXPECT_EQ(ReadNumber("1 000", NumberTarget::kDouble, {".", " ", "$"}).value, 1000);
+  EXPECT_EQ(ReadNumber("5 kr", NumberTarget::kDouble, {",", ".", "kr"}).value, 5);
+  EXPECT_EQ(ReadNumber("5EUR", NumberTarget::kDouble, {",", ".", "EUR"}).value, 5);
+}
+
+// A hex or octal literal is an Integer's 16-bit pattern only when read for an Integer; one of
+// up to 32 bits is a Long's for every target.
+TEST(NumbersTest, HexAndOctalLiteralsByTarget) {
   struct Case {
     const char* text;
-    const NumberSymbols& symbols;
-    std::optional<double> value;
+    Reading integer;
+    Reading wider;  // Long and Double
   } cases[] = {
-      {"12", kPoint, 12},
-      {" -2.5 ", kPoint, -2.5},
-      {"1,234.5", kPoint, 1234.5},
-      {"1.5E-3", kPoint, 0.0015},
-      {"+7", kPoint, 7},
-      {"2,5", kComma, 2.5},
-      {"1.234,5", kComma, 1234.5},
-      {"5.", kPoint, 5},
-      {"", kPoint, std::nullopt},
-      {"abc", kPoint, std::nullopt},
-      {"1x", kPoint, std::nullopt},
-      {"-", kPoint, std::nullopt},
-      {"1e", kPoint, std::nullopt},
-      {"1e999", kPoint, std::nullopt},
-      {"1 000", NumberSymbols{".", " "}, 1000},
-      {"2.5", kComma, 25},  // a grouping symbol, as the runtime reads it
-      {"&H1F", kPoint, 31},
-      {" &hffff ", kPoint, -1},  // 16 bits make an Integer
-      {"&H8000", kPoint, -32768},
-      {"&H10000", kPoint, 65536},
-      {"&HFFFFFFFF", kPoint, -1},  // 32 bits make a Long
-      {"&H100000000", kPoint, std::nullopt},
-      {"&O17", kPoint, 15},
-      {"&H", kPoint, std::nullopt},
-      {"&HG", kPoint, std::nullopt},
-      {"&O8", kPoint, std::nullopt},
+      {"&H1F", Is(31), Is(31)},
+      {" &hffff ", Is(-1), Is(65535)},
+      {"&H8000", Is(-32768), Is(32768)},
+      {"&H10000", Is(65536), Is(65536)},
+      {"&HFFFFFFFF", Is(-1), Is(-1)},
+      {"&H80000000", Is(-2147483648.0), Is(-2147483648.0)},
+      {"&H100000000", kOverflow, kOverflow},
+      {"&O17", Is(15), Is(15)},
+      {"&177777", Is(-1), Is(65535)},
+      {"&37777777777", Is(-1), Is(-1)},
+      {"&H", kNoNumber, kNoNumber},
+      {"&HG", kNoNumber, kNoNumber},
+      {"&O8", kNoNumber, kNoNumber},
+      {"&H 1", kNoNumber, kNoNumber},
+      {"-&H1", kNoNumber, kNoNumber},
   };
-  for (const Case& c : cases) EXPECT_EQ(ParseNumber(c.text, c.symbols), c.value) << c.text;
+  for (const Case& c : cases) {
+    for (const NumberSymbols* symbols : {&kPoint, &kComma}) {
+      for (NumberTarget target :
+           {NumberTarget::kInteger, NumberTarget::kLong, NumberTarget::kDouble}) {
+        const Reading& want = target == NumberTarget::kInteger ? c.integer : c.wider;
+        const NumberReading got = ReadNumber(c.text, target, *symbols);
+        EXPECT_EQ(got.status, want.status) << c.text << " " << int(target);
+        EXPECT_EQ(got.value, want.value) << c.text << " " << int(target);
+      }
+    }
+  }
+  EXPECT_EQ(ParseNumber("&HFFFF", kPoint), 65535) << "a Double";
+  EXPECT_EQ(ParseNumber("1E400", kPoint), std::nullopt);
 }
 
 TEST(NumbersTest, FormatGeneralLikeAutomation) {
@@ -121,18 +194,28 @@ TEST(NumbersTest, NumberPrefixIgnoresTheRegion) {
 TEST(NumbersTest, RegionalSymbolsComeFromTheRegistry) {
   ScopedEnv scoped;
   Registry& registry = scoped.env().registry();
-  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", ".");
+  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", ",");
+  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sCurrency", "kr");
   SetDecimalSymbol(registry, ",");
-  EXPECT_EQ(CurrentNumberSymbols().decimal, ",");
+  EXPECT_EQ(CurrentNumberSymbols().thousand, ".") << "the grouping symbol gives way";
   EXPECT_EQ(FormatGeneral(2.5), "2,5");
   EXPECT_EQ(FormatPattern(1234.5, "#,##0.00"), "1.234,50");
-  EXPECT_EQ(ParseNumber("1.234,5"), 1234.5);
+  EXPECT_EQ(ParseNumber("-1.234,5 kr"), -1234.5);
+  EXPECT_EQ(ReadNumber("&HFFFF", NumberTarget::kInteger).value, -1);
   EXPECT_EQ(ReadNumberPrefix("2,5"), 2) << "the prefix reader keeps the point";
 
+  SetDecimalSymbol(registry, ".");
+  EXPECT_EQ(CurrentNumberSymbols().thousand, ",") << "and back";
+  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", "'");
+  SetDecimalSymbol(registry, ",");
+  EXPECT_EQ(CurrentNumberSymbols().thousand, "'") << "one that doesn't clash stays";
+
   registry.DeleteValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal");
+  registry.DeleteValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency");
   registry.SetDword(HKEY_CURRENT_USER, kInternationalKey, "sThousand", 7);
   EXPECT_EQ(CurrentNumberSymbols().decimal, ".") << "no value: the point";
   EXPECT_EQ(CurrentNumberSymbols().thousand, ",") << "not text: the comma";
+  EXPECT_EQ(CurrentNumberSymbols().currency, "$");
 }
 
 TEST(NumbersTest, SymbolsFollowTheEnvironmentInForce) {
@@ -154,6 +237,10 @@ TEST(NumbersTest, SeedingKeepsWhatTheUserSet) {
   ASSERT_TRUE(thousand.has_value());
   EXPECT_EQ(thousand->type, REG_SZ);
   EXPECT_EQ(thousand->data.size(), 2u) << "one symbol and its terminator";
+  EXPECT_NE(thousand->data[0], ',') << "never the decimal symbol";
+  const auto currency = registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency");
+  ASSERT_TRUE(currency.has_value());
+  EXPECT_GT(currency->data.size(), 1u) << "a symbol, the point's \"$\" if the locale has none";
 }
 
 }  // namespace

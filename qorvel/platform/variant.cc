@@ -1,12 +1,12 @@
 #include "qorvel/platform/variant.h"
 
-#include <cctype>
 #include <cmath>
 #include <limits>
 
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
 #include "qorvel/platform/safe_array.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 
@@ -35,21 +35,12 @@ Int RoundToInt(double x) {
   return static_cast<Int>(rounded);
 }
 
-double TextToNumber(const std::string& text) {
-  std::optional<double> number = ParseNumber(text);
-  if (!number) Raise(err::kTypeMismatch);
-  return *number;
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
+// The target matters to hex and octal literals: "&HFFFF" is -1 as an Integer, 65535 otherwise.
+double TextToNumber(const std::string& text, NumberTarget target) {
+  const NumberReading number = ReadNumber(text, target);
+  if (number.status == NumberStatus::kOverflow) Raise(err::kOverflow);
+  if (number.status != NumberStatus::kNumber) Raise(err::kTypeMismatch);
+  return number.value;
 }
 
 std::string_view Trim(std::string_view text) {
@@ -238,7 +229,7 @@ double Variant::ToDouble() const {
     case 4:
       return std::get<double>(value_);
     case 5:
-      return TextToNumber(std::get<std::string>(value_));
+      return TextToNumber(std::get<std::string>(value_), NumberTarget::kDouble);
     case 7:
       return RawBool(std::get<VariantBool>(value_));
     default:
@@ -253,6 +244,8 @@ int32_t Variant::ToLong() const {
       return std::get<int16_t>(value_);
     case 3:
       return std::get<int32_t>(value_);
+    case 5:
+      return RoundToInt<int32_t>(TextToNumber(std::get<std::string>(value_), NumberTarget::kLong));
     case 7:
       return RawBool(std::get<VariantBool>(value_));
     default:
@@ -265,6 +258,9 @@ int16_t Variant::ToInteger() const {
   switch (value_.index()) {
     case 2:
       return std::get<int16_t>(value_);
+    case 5:
+      return RoundToInt<int16_t>(
+          TextToNumber(std::get<std::string>(value_), NumberTarget::kInteger));
     case 7:
       return RawBool(std::get<VariantBool>(value_));
     default:

@@ -63,4 +63,15 @@ assert(not ok and err.number == 457)
 ok, err = pcall(function() c.Count = 3 end)
 assert(not ok and err.number == 438)
 assert(tostring(c):find("^Collection: "))
+
+-- Text becomes a number by the regional symbols; a comma region groups with the point.
+Regional.SetDecimal(",")
+assert(Regional.Symbols().thousand == ".")
+local d = SafeArray("double", {1, 1})
+d:put(1, "(1.234,5)")
+assert(d:get(1) == -1234.5)
+assert(not pcall(Regional.Set, {thousand = ","}) and Regional.Symbols().thousand == ".")
+Regional.Set{decimal = ".", thousand = " "}
+d:put(1, "1 000.5")
+assert(d:get(1) == 1000.5)
 print("values: ok")
