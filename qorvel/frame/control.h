@@ -3,6 +3,7 @@
 
 #include "qorvel/frame/control_shell.h"
 #include "qorvel/frame/dispatch_face.h"
+#include "qorvel/frame/pictures.h"
 
 namespace qorvel {
 
@@ -50,10 +51,12 @@ class Control final : public ClassObject, public ControlShell {
   C object_;
 };
 
-// A new control of class C in the run-time container: Initialize and Resize have run, and
-// Terminate runs when the last reference goes.
+// A new control of class C in the run-time container, in the shell C declares (C::kShell) with
+// its class's picture: Initialize and Resize have run, and Terminate runs when the last
+// reference goes.
 template <class C>
-AutomationObject NewControl(const ShellTraits& traits) {
+AutomationObject NewControl() {
+  const ShellTraits traits{C::kShell, ControlPicture(BindingsOf<C>().class_info().name)};
   return Container::RunTime().Site(std::make_unique<Control<C>>(traits));
 }
 

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <string>
 
+#include "qorvel/frame/control_shell.h"
 #include "qorvel/frame/host_link.h"
 #include "qorvel/platform/variant.h"
 
@@ -17,6 +18,9 @@ namespace qorvel {
 // what it drops with the connection.
 class HostSession {
  public:
+  // On a form the three are icons of 500 by 500 that don't show at run time.
+  static constexpr ShellSize kShell = ShellSize::kHostControl;
+
   void Execute(const std::string& command);
   void Disconnect();
   int16_t version();

@@ -1,9 +1,6 @@
 #include "qorvel/machining/tarvik3_face.h"
 
-#include "qorvel/frame/control.h"
 #include "qorvel/frame/host_session_rows.h"
-#include "qorvel/frame/pictures.h"
-#include "qorvel/machining/tarvik3.h"
 
 namespace qorvel {
 
@@ -27,10 +24,6 @@ const BindingTable<Tarvik3>& BindingsOf<Tarvik3>() {
                    R::Method<&T::GetWorkplaneList>("GetWorkplaneList"),
                    R::Method<&T::SizeToolpath>("SizeToolpath")}});
   return table;
-}
-
-AutomationObject NewTarvik3Object() {
-  return NewControl<Tarvik3>({ShellSize::kHostControl, ControlPicture("Tarvik3")});
 }
 
 }  // namespace qorvel

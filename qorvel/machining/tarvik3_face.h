@@ -1,13 +1,14 @@
 #ifndef QORVEL_MACHINING_TARVIK3_FACE_H_
 #define QORVEL_MACHINING_TARVIK3_FACE_H_
 
-#include "qorvel/platform/variant.h"
+#include "qorvel/frame/binding.h"
+#include "qorvel/machining/tarvik3.h"
 
 namespace qorvel {
 
-// A new Tarvik3 control behind the dispatch face, sited in the run-time container: Initialize and
-// Resize have run, and Terminate runs when the last reference goes.
-AutomationObject NewTarvik3Object();
+// The rows of _Tarvik3, each bound to the member of Tarvik3 that runs it.
+template <>
+const BindingTable<Tarvik3>& BindingsOf<Tarvik3>();
 
 }  // namespace qorvel
 

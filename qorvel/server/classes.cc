@@ -1,5 +1,6 @@
 #include "qorvel/server/classes.h"
 
+#include "qorvel/frame/control.h"
 #include "qorvel/machining/tarvik3_face.h"
 #include "qorvel/platform/text.h"
 #include "qorvel/session/zebrin_face.h"
@@ -14,8 +15,8 @@ struct LibraryClass {
 
 // The classes built so far; the type library publishes all seven.
 constexpr LibraryClass kClasses[] = {
-    {"Zebrin", &NewZebrinObject},
-    {"Tarvik3", &NewTarvik3Object},
+    {"Zebrin", &NewControl<Zebrin>},
+    {"Tarvik3", &NewControl<Tarvik3>},
 };
 
 }  // namespace

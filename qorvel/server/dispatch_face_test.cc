@@ -27,8 +27,8 @@ class DispatchFaceTest : public ::testing::Test {
   void SetUp() override {
     zebrin_host_ = hosts::RunZebrin();
     tarvik_host_ = hosts::RunTarvik();
-    zebrin_ = std::dynamic_pointer_cast<ClassObject>(NewZebrinObject());
-    tarvik_ = std::dynamic_pointer_cast<ClassObject>(NewTarvik3Object());
+    zebrin_ = std::dynamic_pointer_cast<ClassObject>(NewControl<Zebrin>());
+    tarvik_ = std::dynamic_pointer_cast<ClassObject>(NewControl<Tarvik3>());
   }
   void TearDown() override {
     zebrin_.reset();

@@ -1,9 +1,6 @@
 #include "qorvel/session/zebrin_face.h"
 
-#include "qorvel/frame/control.h"
 #include "qorvel/frame/host_session_rows.h"
-#include "qorvel/frame/pictures.h"
-#include "qorvel/session/zebrin.h"
 
 namespace qorvel {
 
@@ -17,10 +14,6 @@ const BindingTable<Zebrin>& BindingsOf<Zebrin>() {
         R::Method<&Zebrin::ExitZebrin>("ExitZebrin"),
         R::Put<&Zebrin::SetInformationWindow>("InformationWindow")}});
   return table;
-}
-
-AutomationObject NewZebrinObject() {
-  return NewControl<Zebrin>({ShellSize::kHostControl, ControlPicture("Zebrin")});
 }
 
 }  // namespace qorvel

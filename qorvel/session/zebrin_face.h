@@ -1,13 +1,14 @@
 #ifndef QORVEL_SESSION_ZEBRIN_FACE_H_
 #define QORVEL_SESSION_ZEBRIN_FACE_H_
 
-#include "qorvel/platform/variant.h"
+#include "qorvel/frame/binding.h"
+#include "qorvel/session/zebrin.h"
 
 namespace qorvel {
 
-// A new Zebrin control behind the dispatch face, sited in the run-time container: Initialize and
-// Resize have run, and Terminate runs when the last reference goes.
-AutomationObject NewZebrinObject();
+// The rows of _Zebrin, each bound to the member of Zebrin that runs it.
+template <>
+const BindingTable<Zebrin>& BindingsOf<Zebrin>();
 
 }  // namespace qorvel
 
