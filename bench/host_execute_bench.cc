@@ -3,7 +3,9 @@
 #include <benchmark/benchmark.h>
 
 #include "hosts/simulators.h"
+#include "qorvel/frame/control.h"
 #include "qorvel/frame/host_link.h"
+#include "qorvel/session/zebrin_face.h"
 #include "qorvel/platform/env_testing.h"
 
 namespace {
@@ -22,6 +24,34 @@ void BM_HostExecuteThroughLink(benchmark::State& state) {
   link.Clear();
 }
 BENCHMARK(BM_HostExecuteThroughLink);
+
+// The control's member finds this thread's link in the installed environment on every call.
+void BM_ZebrinExecute(benchmark::State& state) {
+  ScopedEnv env;
+  auto host = hosts::RunZebrin();
+  Zebrin zebrin;
+  zebrin.Connect();
+  for (auto _ : state) {
+    zebrin.Execute("ADVANCEDOPTS WINDOWS INFORMATION ON");
+    if (state.iterations() % 4096 == 0) host->ClearLog();
+  }
+  zebrin.Disconnect();
+}
+BENCHMARK(BM_ZebrinExecute);
+
+// A client's late-bound call: the member found by name, its argument converted once, the
+// binding's adapter, then the control's member.
+void BM_ExecuteThroughDispatchFace(benchmark::State& state) {
+  ScopedEnv env;
+  auto host = hosts::RunZebrin();
+  AutomationObject zebrin = NewControl<Zebrin>();
+  Call(zebrin, "Connect");
+  for (auto _ : state) {
+    Call(zebrin, "Execute", "ADVANCEDOPTS WINDOWS INFORMATION ON");
+    if (state.iterations() % 4096 == 0) host->ClearLog();
+  }
+}
+BENCHMARK(BM_ExecuteThroughDispatchFace);
 
 void BM_DirectHostCall(benchmark::State& state) {
   ScopedEnv env;
