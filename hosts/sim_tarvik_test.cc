@@ -128,69 +128,6 @@ TEST_F(SimTarvikTest, ResetPutsTheUnlockedLimitsAroundTheModel) {
   EXPECT_EQ(block.limit_type, "MODEL");
 }
 
-TEST_F(SimTarvikTest, LimitValuesNeedTheLimitUnlocked) {
-  Send("EDIT BLOCK YMAX 12.5");
-  SimTarvik::Block block = tarvik_->block();
-  EXPECT_TRUE(block.defined);
-  EXPECT_EQ(block.limits[SimTarvik::kYmax], 12.5);
-  Send("EDIT BLOCK YMAX LOCK");
-  EXPECT_EQ(Rejection("EDIT BLOCK YMAX 3"), "Limit is locked: YMAX");
-  Send("EDIT BLOCK YMAX UNLOCK");
-  Send("EDIT BLOCK YMAX -3.");
-  EXPECT_EQ(tarvik_->block().limits[SimTarvik::kYmax], -3);
-}
-
-TEST_F(SimTarvikTest, BadBlockCommandsAreRejectedAndChangeNothing) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"EDIT BLOCK RESET", "No model loaded"},
-      {"EDIT BLOCK XMIN abc", "Invalid number: ABC"},
-      {"EDIT BLOCK RESETLIMIT 5..", "Invalid number: 5.."},
-      {"EDIT BLOCK WMIN 5", "Unknown command: EDIT BLOCK WMIN 5"},
-      {"EDIT BLOCK ALL 5", "Unknown command: EDIT BLOCK ALL 5"},
-      {"EDIT BLOCK XMIN", "Unknown command: EDIT BLOCK XMIN"},
-      {"EDIT BLOCK XMIN 1 2", "Unknown command: EDIT BLOCK XMIN 1 2"},
-  };
-  for (const auto& [command, why] : cases) EXPECT_EQ(Rejection(command), why) << command;
-  EXPECT_FALSE(tarvik_->block().defined);
-  EXPECT_EQ(tarvik_->block().limits, (std::array<double, 6>{}));
-}
-
-TEST_F(SimTarvikTest, ToolCommandsDefineTheTool) {
-  for (const char* c :
-       {"EDIT DIAMETER 6.", "EDIT TLEN 50.", "EDIT TOOLTYPE TAPERTIPPED", "EDIT TIPRADIUS 0.5",
-        "EDIT TAPERANGLE 10.", "EDIT TAPERHEIGHT 2.", "edit tipradiusx -1.25", "EDIT TIPRADIUSY 0.",
-        "EDIT TOOLNUMBER 0", "EDIT TOOLNAME \"Big one\""}) {
-    Send(c);
-  }
-  const std::map<std::string, std::string> expected = {
-      {"DIAMETER", "6."},      {"TLEN", "50."},       {"TOOLTYPE", "TAPERTIPPED"},
-      {"TIPRADIUS", "0.5"},    {"TAPERANGLE", "10."}, {"TAPERHEIGHT", "2."},
-      {"TIPRADIUSX", "-1.25"}, {"TIPRADIUSY", "0."},  {"TOOLNUMBER", "0"},
-      {"TOOLNAME", "Big one"}};
-  EXPECT_EQ(tarvik_->tool(), expected);
-  for (const char* type : {"ENDMILL", "BALLNOSED", "TIPRADIUSED", "TAPERSPHERICAL", "TIPPEDDISC",
-                           "OFFCENTRETIPRAD", "DRILL"}) {
-    Send(std::string("EDIT TOOLTYPE ") + type);
-    EXPECT_EQ(tarvik_->tool().at("TOOLTYPE"), type);
-  }
-  Send("EDIT TOOLNAME a \"quoted\" name");
-  EXPECT_EQ(tarvik_->tool().at("TOOLNAME"), "a \"quoted\" name");
-}
-
-TEST_F(SimTarvikTest, BadToolCommandsAreRejected) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"EDIT TOOLTYPE SPOON", "Unknown tool type: SPOON"},
-      {"EDIT TOOLTYPE OFFCENTRE", "Unknown tool type: OFFCENTRE"},
-      {"EDIT DIAMETER abc", "Invalid number: ABC"},
-      {"EDIT TLEN", "Unknown command: EDIT TLEN"},
-      {"EDIT TOOLNUMBER 2.5", "Invalid tool number: 2.5"},
-      {"EDIT TOOLNUMBER -2", "Invalid tool number: -2"},
-      {"EDIT WIDTH 3", "Unknown command: EDIT WIDTH 3"},
-  };
-  for (const auto& [command, why] : cases) EXPECT_EQ(Rejection(command), why) << command;
-  EXPECT_TRUE(tarvik_->tool().empty());
-}
-
 TEST_F(SimTarvikTest, UnitsAndDialogSettingsAreFormValues) {
   EXPECT_EQ(Ask("PRINT FORMVALUE INFOBAR.UNITS"), "MM\r\n");
   Send("EDIT UNITS INCHES");
@@ -214,21 +151,6 @@ TEST_F(SimTarvikTest, UnitsAndDialogSettingsAreFormValues) {
   EXPECT_EQ(Rejection("PRINT FORMVALUE INFOBAR.SPEED"), "Unknown form value: INFOBAR.SPEED");
 }
 
-TEST_F(SimTarvikTest, DialogsWouldShowUnlessSwitchedOff) {
-  LoadModel();
-  Ask("SIZE MODEL");
-  EXPECT_EQ(tarvik_->message_dialogs_shown(), 1);
-  Send("dialogs message off");
-  Ask("SIZE MODEL");
-  Ask("PRINT ENTITY TOOLPATHS");
-  EXPECT_EQ(tarvik_->message_dialogs_shown(), 1);
-  Rejection("FROBNICATE");
-  EXPECT_EQ(tarvik_->error_dialogs_shown(), 1);
-  Send("DIALOGS ERROR OFF");
-  Rejection("FROBNICATE");
-  EXPECT_EQ(tarvik_->error_dialogs_shown(), 1);
-}
-
 TEST_F(SimTarvikTest, EntityListsMarkTheActiveOne) {
   tarvik_->AddToolpath("Rough 1", {0, 0, 0, 1, 1, 1});
   tarvik_->AddToolpath("Finish 2", {0, 0, 0, 1, 1, 1});
@@ -249,38 +171,6 @@ TEST_F(SimTarvikTest, EntityListsMarkTheActiveOne) {
   EXPECT_EQ(Ask("PRINT ENTITY WORKPLANE"), "1 workplanes\r\n*'World'\r\n");
   EXPECT_EQ(Rejection("PRINT ENTITY SPOONS"), "Unknown entity type: SPOONS");
   EXPECT_EQ(Rejection("ACTIVATE PATTERN Nope"), "Pattern not found: Nope");
-}
-
-TEST_F(SimTarvikTest, SetUpMistakesRaiseInvalidCall) {
-  auto error_of = [](const std::function<void()>& call) {
-    try {
-      call();
-    } catch (const Error& e) {
-      return e.number();
-    }
-    return 0;
-  };
-  EXPECT_EQ(error_of([&] {
-              tarvik_->AddEntity(EntityKind::kWorkplane, "W", {1, 2, 3});
-            }),
-            err::kInvalidCall);
-  EXPECT_EQ(error_of([&] { tarvik_->AddEntity(EntityKind::kToolpath, "T", {}); }),
-            err::kInvalidCall);
-  EXPECT_EQ(error_of([&] { tarvik_->SetActive(EntityKind::kPattern, "Nope"); }), err::kInvalidCall);
-  EXPECT_EQ(error_of([&] { tarvik_->set_units("furlongs"); }), err::kInvalidCall);
-  EXPECT_EQ(error_of([&] { tarvik_->LoadModel({}, -1); }), err::kInvalidCall);
-  EXPECT_TRUE(tarvik_->entity_names(EntityKind::kWorkplane).empty());
-
-  tarvik_->AddToolpath("T", {0, 0, 0, 1, 1, 1});
-  tarvik_->AddToolpath("t", {0, 0, 0, 2, 2, 2});  // the same toolpath, new extents
-  EXPECT_EQ(tarvik_->entity_names(EntityKind::kToolpath), std::vector<std::string>{"T"});
-}
-
-TEST_F(SimTarvikTest, AcceptsTheTraceCommandAndRejectsUnknownOnes) {
-  EXPECT_EQ(Ask("NLTDEBUG UNTRACE COMMAND ACCEPT"), "");
-  EXPECT_EQ(Rejection("FROBNICATE the part"), "Unknown command: FROBNICATE the part");
-  EXPECT_EQ(Rejection(""), "Empty command");
-  EXPECT_EQ(Rejection("PRINT"), "Unknown command: PRINT");
 }
 
 }  // namespace

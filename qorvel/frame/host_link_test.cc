@@ -5,42 +5,40 @@
 #include <thread>
 
 #include "hosts/simulators.h"
-#include "qorvel/platform/env.h"
+#include "qorvel/frame/registry_value.h"
 #include "qorvel/platform/env_testing.h"
 
 namespace qorvel {
 namespace {
 
-using hosts::Call;
 using namespace std::chrono_literals;
+using Sent = std::pair<std::string, std::string>;  // member, first argument
+
+std::vector<Sent> SentBy(const hosts::SimHost& host) {
+  std::vector<Sent> sent;
+  for (const hosts::Call& call : host.log()) {
+    sent.emplace_back(call.member, call.args.empty() ? "" : call.args[0].ToText());
+  }
+  return sent;
+}
 
 class HostLinkTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    for (Host h : {Host::kZebrin, Host::kTarvik, Host::kUlmora}) HostLink::Of(h).Clear();
-  }
-  void TearDown() override { SetUp(); }
   std::vector<Message> Boxes() { return env_.env().messages().shown(); }
   CountingRegistry& registry() { return env_.env().counted_registry(); }
-
   ScopedEnv env_;
 };
 
-TEST_F(HostLinkTest, ConnectToRunningBindsTheRunningHost) {
+TEST_F(HostLinkTest, ABindReplacesTheReferenceAndAFailedOneKeepsIt) {
   auto zebrin = hosts::RunZebrin();
   HostLink& link = HostLink::Of(Host::kZebrin);
+  EXPECT_EQ(link.HostExecute("X"), VariantBool::kFalse);  // empty: the call fails, no test
   EXPECT_EQ(link.ConnectToRunning(), VariantBool::kTrue);
   EXPECT_EQ(link.object(), zebrin);
-}
-
-TEST_F(HostLinkTest, FailedBindKeepsTheOldReference) {
-  auto zebrin = hosts::RunZebrin();
-  HostLink& link = HostLink::Of(Host::kZebrin);
-  link.ConnectToRunning();
   zebrin->GoAway();
   EXPECT_EQ(link.ConnectToRunning(), VariantBool::kFalse);
-  EXPECT_EQ(link.object(), zebrin);
-  EXPECT_EQ(link.HostExecute("ANYTHING"), VariantBool::kFalse);
+  EXPECT_EQ(link.object(), zebrin);  // the dead host stays
+  EXPECT_EQ(link.HostExecute("X"), VariantBool::kFalse);
 }
 
 TEST_F(HostLinkTest, StartAndConnectWithARunningHostReadsAndLaunchesNothing) {
@@ -56,194 +54,119 @@ TEST_F(HostLinkTest, StartAndConnectWithARunningHostReadsAndLaunchesNothing) {
 TEST_F(HostLinkTest, StartAndConnectLaunchesTheRegisteredProgramMaximised) {
   hosts::InstallSimulatedHosts();
   EXPECT_EQ(HostLink::Of(Host::kTarvik).StartAndConnect(), VariantBool::kTrue);
-  auto launches = env_.env().launches();
-  ASSERT_EQ(launches.size(), 1u);
-  EXPECT_EQ(launches[0].path, hosts::kTarvikProgram);
-  EXPECT_EQ(launches[0].window_style, 3);
-  EXPECT_EQ(HostLink::Of(Host::kTarvik).object(), hosts::LastStarted("Tarvik.Document"));
+  ASSERT_EQ(env_.env().launches().size(), 1u);
+  EXPECT_EQ(env_.env().launches()[0].path, hosts::kTarvikProgram);
+  EXPECT_EQ(env_.env().launches()[0].window_style, 3);
+  EXPECT_EQ(HostLink::Of(Host::kTarvik).object(), hosts::LastTarvik());
   EXPECT_TRUE(Boxes().empty());
 }
 
-struct StartCase {
-  const char* name;
-  Host host;
-  const char* current_version;  // nullptr: value missing
-  const char* path;             // nullptr: value missing
-  std::chrono::milliseconds delay;
-  Message box;
-  const char* launched;  // nullptr: nothing launched
-};
-
-class StartFailureTest : public HostLinkTest, public ::testing::WithParamInterface<StartCase> {};
-
-TEST_P(StartFailureTest, ShowsOneBoxAndReturnsFalse) {
-  const StartCase& c = GetParam();
-  hosts::InstallSimulatedHosts(c.delay);
-  const bool zebrin = c.host == Host::kZebrin;
-  const std::string exec_key =
-      zebrin ? "SOFTWARE\\Halvern\\Exec\\zebrin" : "SOFTWARE\\Halvern\\Exec\\tarvik";
-  registry().DeleteKey(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern");
-  if (c.current_version)
-    registry().SetString(HKEY_LOCAL_MACHINE, exec_key, "CurrentVersion", c.current_version);
-  if (c.path) {
-    const std::string version = c.current_version ? c.current_version : "Not Found";
-    registry().SetString(
-        HKEY_LOCAL_MACHINE,
-        std::string(zebrin ? "SOFTWARE\\Halvern\\zebrin\\" : "SOFTWARE\\Halvern\\tarvik\\") +
-            version,
-        "ExecutablePath", c.path);
-  }
-  EXPECT_EQ(HostLink::Of(c.host).StartAndConnect(), VariantBool::kFalse);
-  ASSERT_EQ(Boxes().size(), 1u);
-  EXPECT_EQ(Boxes()[0], c.box);
-  EXPECT_EQ(Boxes()[0].text.find('\n'), std::string::npos);
-  auto launches = env_.env().launches();
-  if (c.launched == nullptr) {
-    EXPECT_TRUE(launches.empty());
-  } else {
-    ASSERT_EQ(launches.size(), 1u);
-    EXPECT_EQ(launches[0].path, c.launched);
-    EXPECT_EQ(launches[0].window_style, 3);
+TEST_F(HostLinkTest, AFailedStartShowsOneBoxAndReturnsFalse) {
+  const std::string kCheckRegistry = "\rCheck registry";
+  const std::string kCheckInstall = "\rCheck installation and registry settings";
+  struct Case {
+    Host host;
+    const char* version;  // nullptr: "CurrentVersion" missing
+    const char* path;     // nullptr: "ExecutablePath" missing; else below the version read
+    bool still_starting;
+    std::string text, title;
+    const char* launched;  // nullptr: nothing launched
+  } cases[] = {
+      {Host::kZebrin, nullptr, nullptr, false,
+       "Cannot start remote Zebrin session" + kCheckRegistry, "Error starting Zebrin", nullptr},
+      {Host::kTarvik, "2620", nullptr, false, "Cannot start remote Tarvik session" + kCheckRegistry,
+       "Error starting Tarvik", nullptr},
+      {Host::kZebrin, "2300", "Not Found", false,
+       "Cannot start remote Zebrin session" + kCheckRegistry, "Error starting Zebrin", nullptr},
+      // The version read fails and gives "Not Found", which the second key goes on with.
+      {Host::kZebrin, nullptr, "/nonexistent/zebrin", false,
+       "Cannot start remote Zebrin session" + kCheckInstall, "Error starting Zebrin",
+       "/nonexistent/zebrin"},
+      {Host::kTarvik, "2620", "not found", false,
+       "Cannot start remote Tarvik session" + kCheckInstall, "Error starting Tarvik", "not found"},
+      {Host::kZebrin, "2300", hosts::kZebrinProgram, true, "Zebrn cannot be linked to application",
+       "Error connecting to Zebrin", hosts::kZebrinProgram},
+      {Host::kTarvik, "2620", hosts::kTarvikProgram, true,
+       "Tarvik cannot be linked to VB application", "Error connecting to Tarvik",
+       hosts::kTarvikProgram},
+  };
+  for (const Case& c : cases) {
+    ScopedEnv env;
+    SCOPED_TRACE(c.text);
+    hosts::InstallSimulatedHosts(c.still_starting ? 1h : 0h);
+    const std::string host = c.host == Host::kZebrin ? "zebrin" : "tarvik";
+    Registry& registry = env.env().registry();
+    registry.DeleteKey(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern");
+    if (c.version) {
+      registry.SetString(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern\\Exec\\" + host, "CurrentVersion",
+                         c.version);
+    }
+    if (c.path) {
+      registry.SetString(HKEY_LOCAL_MACHINE,
+                         "SOFTWARE\\Halvern\\" + host + "\\" + (c.version ? c.version : kNotFound),
+                         "ExecutablePath", c.path);
+    }
+    EXPECT_EQ(HostLink::Of(c.host).StartAndConnect(), VariantBool::kFalse);
+    EXPECT_EQ(env.env().messages().shown(), (std::vector<Message>{{c.text, 4112, c.title}}));
+    ASSERT_EQ(env.env().launches().size(), c.launched ? 1u : 0u);
+    if (c.launched) {
+      EXPECT_EQ(env.env().launches()[0].path, c.launched);
+    }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Paths, StartFailureTest,
-    ::testing::Values(
-        StartCase{
-            "ZebrinNoVersion",
-            Host::kZebrin,
-            nullptr,
-            nullptr,
-            {},
-            {"Cannot start remote Zebrin session\rCheck registry", 4112, "Error starting Zebrin"},
-            nullptr},
-        StartCase{
-            "TarvikNoPath",
-            Host::kTarvik,
-            "2620",
-            nullptr,
-            {},
-            {"Cannot start remote Tarvik session\rCheck registry", 4112, "Error starting Tarvik"},
-            nullptr},
-        StartCase{
-            "PathThatReadsTheMarker",
-            Host::kZebrin,
-            "2300",
-            "Not Found",
-            {},
-            {"Cannot start remote Zebrin session\rCheck registry", 4112, "Error starting Zebrin"},
-            nullptr},
-        StartCase{"PathUnderNotFoundKey",
-                  Host::kZebrin,
-                  nullptr,
-                  "/nonexistent/zebrin",
-                  {},
-                  {"Cannot start remote Zebrin session\rCheck installation and registry settings",
-                   4112, "Error starting Zebrin"},
-                  "/nonexistent/zebrin"},
-        StartCase{"MarkerInOtherCaseIsAPath",
-                  Host::kTarvik,
-                  "2620",
-                  "not found",
-                  {},
-                  {"Cannot start remote Tarvik session\rCheck installation and registry settings",
-                   4112, "Error starting Tarvik"},
-                  "not found"},
-        StartCase{"ZebrinStillStarting",
-                  Host::kZebrin,
-                  "2300",
-                  hosts::kZebrinProgram,
-                  1h,
-                  {"Zebrn cannot be linked to application", 4112, "Error connecting to Zebrin"},
-                  hosts::kZebrinProgram},
-        StartCase{"TarvikStillStarting",
-                  Host::kTarvik,
-                  "2620",
-                  hosts::kTarvikProgram,
-                  1h,
-                  {"Tarvik cannot be linked to VB application", 4112, "Error connecting to Tarvik"},
-                  hosts::kTarvikProgram}),
-    [](const auto& info) { return info.param.name; });
-
-TEST_F(HostLinkTest, ConnectNewCreatesAnInstanceEvenWithOneRunning) {
-  hosts::InstallSimulatedHosts();
-  auto running = hosts::RunTarvik();
-  HostLink& link = HostLink::Of(Host::kTarvik);
-  EXPECT_EQ(link.ConnectNew(), VariantBool::kTrue);
-  EXPECT_NE(link.object(), running);
-  EXPECT_EQ(link.object(), hosts::LastStarted("Tarvik.Document"));
-  EXPECT_TRUE(Boxes().empty());
-}
-
-TEST_F(HostLinkTest, ConnectNewWithoutAServerKeepsTheReference) {
+TEST_F(HostLinkTest, ConnectNewTakesANewInstanceOrKeepsTheReference) {
   auto running = hosts::RunTarvik();
   HostLink& link = HostLink::Of(Host::kTarvik);
   link.ConnectToRunning();
-  EXPECT_EQ(link.ConnectNew(), VariantBool::kFalse);
+  EXPECT_EQ(link.ConnectNew(), VariantBool::kFalse);  // no class server yet
   EXPECT_EQ(link.object(), running);
+  hosts::InstallSimulatedHosts();
+  EXPECT_EQ(link.ConnectNew(), VariantBool::kTrue);  // whatever runs already
+  EXPECT_NE(link.object(), running);
+  EXPECT_EQ(link.object(), hosts::LastTarvik());
+  EXPECT_TRUE(Boxes().empty());
 }
 
-TEST_F(HostLinkTest, HostExecuteSendsTheCommandAndStatusByReference) {
+TEST_F(HostLinkTest, HostExecuteSendsACopyAndAStatusByReference) {
   auto zebrin = hosts::RunZebrin();
   HostLink& link = HostLink::Of(Host::kZebrin);
-  EXPECT_EQ(link.HostExecute("ADVANCEDOPTS WINDOWS INFORMATION ON"), VariantBool::kFalse);
   link.ConnectToRunning();
   EXPECT_EQ(link.HostExecute("ADVANCEDOPTS WINDOWS INFORMATION ON"), VariantBool::kTrue);
-  const auto log = zebrin->log();
+  const std::vector<hosts::Call> log = zebrin->log();
   ASSERT_EQ(log.size(), 1u);
-  const Call& call = log[0];
+  const hosts::Call& call = log[0];
   EXPECT_EQ(call.member, "Execute");
   ASSERT_EQ(call.args.size(), 2u);
   EXPECT_EQ(call.args[0].ToText(), "ADVANCEDOPTS WINDOWS INFORMATION ON");
-  EXPECT_EQ(call.args[1].ToLong(), 0);
-  EXPECT_TRUE(zebrin->information_window());
+  EXPECT_EQ(call.args[1].vt(), 3);
+  EXPECT_EQ(link.HostExecute(""), VariantBool::kFalse);  // rejected: the same as gone
 }
 
-TEST_F(HostLinkTest, ZebrinExecuteExGivesOutputEmptyTextOrError) {
+TEST_F(HostLinkTest, ExecuteExFormsOfZebrinAndTarvik) {
   auto zebrin = hosts::RunZebrin();
-  HostLink& link = HostLink::Of(Host::kZebrin);
-  EXPECT_EQ(link.HostExecuteEx("ECHO hi"), "Error");  // empty link
-  link.ConnectToRunning();
-  EXPECT_EQ(link.HostExecuteEx("ECHO hi"), "hi\r\n");
-  EXPECT_EQ(link.HostExecuteEx("QUIET COMMAND"), "");
-  zebrin->ScriptReply("PRINT X", "Error");
-  EXPECT_EQ(link.HostExecuteEx("print x"), "Error");
+  auto tarvik = hosts::RunTarvik();
+  HostLink& z = HostLink::Of(Host::kZebrin);
+  HostLink& t = HostLink::Of(Host::kTarvik);
+  EXPECT_EQ(z.HostExecuteEx("ECHO hi"), "Error");
+  EXPECT_EQ(t.HostExecuteEx("SIZE COMPONENTS"), "Error");
+  EXPECT_TRUE(tarvik->log().empty());  // an empty Tarvik link sends nothing
+  z.ConnectToRunning();
+  t.ConnectToRunning();
+  EXPECT_EQ(z.HostExecuteEx("ECHO hi"), "hi\r\n");
+  EXPECT_EQ(z.HostExecuteEx("QUIET COMMAND"), "");
+  EXPECT_EQ(t.HostExecuteEx("SIZE COMPONENTS"), "Components: 0\r\n");
+  EXPECT_EQ(t.HostExecuteEx("NO SUCH COMMAND"), "Error");
+  EXPECT_EQ(SentBy(*tarvik), (std::vector<Sent>{{"Execute", "NLTDEBUG UNTRACE COMMAND ACCEPT"},
+                                                {"ExecuteEx", "SIZE COMPONENTS"},
+                                                {"Execute", "NLTDEBUG UNTRACE COMMAND ACCEPT"},
+                                                {"ExecuteEx", "NO SUCH COMMAND"}}));
+  tarvik->FailMember("Execute", 1000, "untrace refused");  // doesn't stop the capture
+  EXPECT_EQ(t.HostExecuteEx("SIZE COMPONENTS"), "Components: 0\r\n");
   zebrin->GoAway();
-  EXPECT_EQ(link.HostExecuteEx("ECHO hi"), "Error");
-  EXPECT_EQ(link.object(), zebrin);
-}
-
-TEST_F(HostLinkTest, TarvikExecuteExUntracesBeforeEveryCapture) {
-  auto tarvik = hosts::RunTarvik();
-  HostLink& link = HostLink::Of(Host::kTarvik);
-  EXPECT_EQ(link.HostExecuteEx("SIZE COMPONENTS"), "Error");
-  EXPECT_TRUE(tarvik->log().empty());  // an empty link sends nothing
-  link.ConnectToRunning();
-  EXPECT_EQ(link.HostExecuteEx("SIZE COMPONENTS"), "Components: 0\r\n");
-  EXPECT_EQ(link.HostExecuteEx("PRINT ENTITY TOOLPATHS"), "0 toolpaths\r\n");
-  auto log = tarvik->log();
-  ASSERT_EQ(log.size(), 4u);
-  const std::pair<const char*, const char*> expected[] = {
-      {"Execute", "NLTDEBUG UNTRACE COMMAND ACCEPT"},
-      {"ExecuteEx", "SIZE COMPONENTS"},
-      {"Execute", "NLTDEBUG UNTRACE COMMAND ACCEPT"},
-      {"ExecuteEx", "PRINT ENTITY TOOLPATHS"}};
-  for (size_t i = 0; i < log.size(); ++i) {
-    EXPECT_EQ(log[i].member, expected[i].first);
-    EXPECT_EQ(log[i].args[0].ToText(), expected[i].second);
-  }
-}
-
-TEST_F(HostLinkTest, TarvikExecuteExKeepsErrorPresetOnFailureOrSilence) {
-  auto tarvik = hosts::RunTarvik();
-  HostLink& link = HostLink::Of(Host::kTarvik);
-  link.ConnectToRunning();
-  EXPECT_EQ(link.HostExecuteEx("NO SUCH COMMAND"), "Error");
-  tarvik->FailMember("Execute", 1000, "untrace refused");
-  EXPECT_EQ(link.HostExecuteEx("SIZE COMPONENTS"), "Components: 0\r\n");
   tarvik->GoAway();
-  EXPECT_EQ(link.HostExecuteEx("SIZE COMPONENTS"), "Error");
+  EXPECT_EQ(z.HostExecuteEx("ECHO hi"), "Error");
+  EXPECT_EQ(t.HostExecuteEx("SIZE COMPONENTS"), "Error");
 }
 
 // A host that takes every call and never writes the output argument.
@@ -253,27 +176,30 @@ class SilentHost : public Dispatch {
     calls.emplace_back(std::string(member), args.empty() ? "" : args[0].ToText());
     return Variant();
   }
-  std::vector<std::pair<std::string, std::string>> calls;
+  std::vector<Sent> calls;
 };
 
-TEST_F(HostLinkTest, SilentHostGivesEmptyTextOnZebrinAndErrorOnTarvik) {
+TEST_F(HostLinkTest, ASilentHostGivesEmptyTextOnZebrinAndErrorOnTarvik) {
   auto host = std::make_shared<SilentHost>();
   HostLink::Of(Host::kZebrin).Bind(host);
   HostLink::Of(Host::kTarvik).Bind(host);
   EXPECT_EQ(HostLink::Of(Host::kZebrin).HostExecuteEx("PRINT X"), "");
   EXPECT_EQ(HostLink::Of(Host::kTarvik).HostExecuteEx("PRINT X"), "Error");
-  using Sent = std::pair<std::string, std::string>;
   EXPECT_EQ(host->calls, (std::vector<Sent>{{"ExecuteEx", "PRINT X"},
                                             {"Execute", "NLTDEBUG UNTRACE COMMAND ACCEPT"},
                                             {"ExecuteEx", "PRINT X"}}));
 }
 
-TEST_F(HostLinkTest, EachThreadHasItsOwnLinks) {
+TEST_F(HostLinkTest, LinksBelongToTheThreadAndTheEnvironment) {
   auto zebrin = hosts::RunZebrin();
   HostLink::Of(Host::kZebrin).ConnectToRunning();
   bool other_empty = false;
   std::thread([&] { other_empty = HostLink::Of(Host::kZebrin).empty(); }).join();
   EXPECT_TRUE(other_empty);
+  {
+    ScopedEnv fresh;
+    EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
+  }
   EXPECT_EQ(HostLink::Of(Host::kZebrin).object(), zebrin);
 }
 

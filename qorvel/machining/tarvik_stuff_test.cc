@@ -35,12 +35,6 @@ TEST(CollapseBlanksTest, OverflowsPastSixteenBitPositions) {
   }
 }
 
-TEST(SplitAtTest, KeepsEmptyFieldsAndGivesNoneForEmptyText) {
-  EXPECT_TRUE(SplitAt("", " ").empty());
-  EXPECT_EQ(SplitAt("a  b", " "), (std::vector<std::string_view>{"a", "", "b"}));
-  EXPECT_EQ(SplitAt("x\r\n", "\r\n"), (std::vector<std::string_view>{"x", ""}));
-}
-
 class ExtentsTest : public ::testing::Test {
  protected:
   void SetUp() override {

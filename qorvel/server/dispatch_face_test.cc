@@ -206,16 +206,6 @@ TEST_F(DispatchFaceTest, EventsReachTheConnectedSinksByDispid) {
   EXPECT_NE(tarvik_->Advise(second), 0);  // __Tarvik3 declares no event but takes a sink
 }
 
-TEST_F(DispatchFaceTest, ReleasingTheLastReferenceTerminates) {
-  Call(zebrin_, "Connect");
-  EXPECT_FALSE(HostLink::Of(Host::kZebrin).empty());
-  AutomationObject copy = zebrin_;
-  zebrin_.reset();
-  EXPECT_FALSE(HostLink::Of(Host::kZebrin).empty());  // a reference is left
-  copy.reset();
-  EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
-}
-
 TEST_F(DispatchFaceTest, CreateObjectByProgrammaticName) {
   EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);  // not registered yet
   DllRegisterServer();
