@@ -26,6 +26,10 @@ Variant SimHost::Invoke(std::string_view member, CallKind kind, std::span<Varian
   Call call{std::string(member), kind, {}};
   for (const Variant& a : args) call.args.push_back(a.Deref());
   log_.push_back(std::move(call));
+  if (calls_to_vanish_ > 0 && --calls_to_vanish_ == 0) {
+    gone_ = true;
+    Leave();
+  }
   if (gone_) Raise(err::kServerGone);
   if (auto f = failing_members_.find(UpperCase(member)); f != failing_members_.end()) {
     Raise(f->second.number, f->second.description);
@@ -154,12 +158,19 @@ void SimHost::ClearFaults() {
   scripted_.clear();
   failing_commands_.clear();
   failing_members_.clear();
+  calls_to_vanish_ = 0;
 }
 
 void SimHost::GoAway() {
   std::lock_guard lock(mu_);
   gone_ = true;
   Leave();
+}
+
+void SimHost::VanishAt(int64_t n) {
+  if (n < 1) Raise(err::kInvalidCall);
+  std::lock_guard lock(mu_);
+  calls_to_vanish_ = n;
 }
 
 bool SimHost::gone() const {

@@ -64,6 +64,10 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   void ClearFaults();
   // The host goes away: it leaves the running-object table and every later call raises 462.
   void GoAway();
+  // The host goes away at its n-th call from now (n >= 1): calls 1 to n - 1 are answered, and
+  // call n, logged like every call, finds the host gone, as do all after it. A host that
+  // vanishes halfway through a member. ClearFaults cancels a vanishing still to come.
+  void VanishAt(int64_t n);
   bool gone() const;
 
   // Registers this host as running in `env`, visible to BindRunning after `delay` (a program
@@ -107,6 +111,7 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   std::map<std::string, Failure> failing_commands_;  // upper-cased command
   std::map<std::string, Failure> failing_members_;   // upper-cased member
   bool gone_ = false;
+  int64_t calls_to_vanish_ = 0;     // counts down to the call the host vanishes at; 0 for none
   std::weak_ptr<HostTable> table_;  // where this host is registered as running
 };
 

@@ -182,6 +182,24 @@ TEST_F(SimHostTest, GoneHostFailsEveryCallWith462AndLeavesTheTable) {
   EXPECT_EQ(ErrorOf([&] { Bind(); }), err::kCantCreate);
 }
 
+TEST_F(SimHostTest, AHostSetToVanishAnswersUntilItsNthCall) {
+  zebrin_->VanishAt(3);
+  EXPECT_EQ(GetMember(host_, "version").ToLong(), 2300);
+  EXPECT_EQ(ExecuteEx(host_, "ECHO two"), "two\r\n");
+  EXPECT_EQ(Bind(), host_);  // still running before its third call
+  EXPECT_EQ(ErrorOf([&] { Execute(host_, "ECHO three"); }), err::kServerGone);
+  EXPECT_TRUE(zebrin_->gone());
+  EXPECT_EQ(ErrorOf([&] { GetMember(host_, "Busy"); }), err::kServerGone);
+  EXPECT_EQ(ErrorOf([&] { Bind(); }), err::kCantCreate);
+  EXPECT_EQ(zebrin_->commands(), (std::vector<std::string>{"ECHO two", "ECHO three"}));
+
+  auto other = RunZebrin();
+  other->VanishAt(1);
+  other->ClearFaults();  // a vanishing still to come is a fault like the others
+  EXPECT_EQ(GetMember(other, "version").ToLong(), 2300);
+  EXPECT_EQ(ErrorOf([&] { other->VanishAt(0); }), err::kInvalidCall);
+}
+
 TEST_F(SimHostTest, ExitEndsTheHostUnlessItLingers) {
   CallMember(host_, "Exit");
   EXPECT_TRUE(zebrin_->exited);

@@ -1,5 +1,6 @@
 // SafeArray values in Lua: SafeArray(type, {lower, count}, ...) and the methods get, put,
 // lbound, ubound, dims, type and redim.
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,8 @@ using qorvel::SafeArray;
 using qorvel::VarType;
 
 constexpr const char* kArrayMeta = "qvsh.safearray";
+// What an array userdata holds: its value until its finalizer has run, nothing after.
+using ArraySlot = std::optional<SafeArray>;
 const char* const kTypeNames[] = {"double", "bool", "text", "long", "integer", "variant", nullptr};
 const VarType kTypes[] = {VarType::kDouble, VarType::kBool,    VarType::kText,
                           VarType::kLong,   VarType::kInteger, VarType::kVariant};
@@ -114,8 +117,13 @@ int Redim(lua_State* L) {
   return 0;
 }
 
-// "SafeArray(double, 1 to 3, 0 to 1)"
+// "SafeArray(double, 1 to 3, 0 to 1)", or "SafeArray: released" for a finalizer's print.
 int ToString(lua_State* L) {
+  const auto* slot = static_cast<const ArraySlot*>(luaL_testudata(L, 1, kArrayMeta));
+  if (slot != nullptr && !slot->has_value()) {
+    lua_pushliteral(L, "SafeArray: released");
+    return 1;
+  }
   const SafeArray& array = ArgArray(L, 1);
   std::string text = std::string("SafeArray(") + TypeName(array.element_type());
   for (const Bound& b : array.bounds()) {
@@ -126,20 +134,25 @@ int ToString(lua_State* L) {
   return 1;
 }
 
+// As with objects: the slot is emptied, never destroyed, since a later finalizer may still
+// reach it; an empty optional owns nothing.
 int Collect(lua_State* L) {
-  if (SafeArray* array = TestArray(L, 1)) array->~SafeArray();
+  if (auto* slot = static_cast<ArraySlot*>(luaL_testudata(L, 1, kArrayMeta))) slot->reset();
   return 0;
 }
 
 }  // namespace
 
 void PushArray(lua_State* L, SafeArray array) {
-  new (lua_newuserdatauv(L, sizeof(SafeArray), 0)) SafeArray(std::move(array));
+  new (lua_newuserdatauv(L, sizeof(ArraySlot), 0)) ArraySlot(std::move(array));
   luaL_setmetatable(L, kArrayMeta);
 }
 
 SafeArray* TestArray(lua_State* L, int index) {
-  return static_cast<SafeArray*>(luaL_testudata(L, index, kArrayMeta));
+  auto* slot = static_cast<ArraySlot*>(luaL_testudata(L, index, kArrayMeta));
+  if (slot == nullptr) return nullptr;
+  if (!slot->has_value()) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  return &**slot;
 }
 
 void OpenArrays(lua_State* L) {

@@ -1,5 +1,7 @@
 #include "shell/lua_errors.h"
 
+#include <new>
+
 namespace qvsh {
 namespace {
 
@@ -22,16 +24,54 @@ std::string TypeMessage(lua_State* L, int arg, const char* expected) {
   return std::string(expected) + " expected, got " + luaL_typename(L, arg);
 }
 
-}  // namespace
+// What a failed body raises: an automation error (number and description), a bad argument, or
+// another Lua error with a message.
+struct Failure {
+  int32_t number = 0;
+  std::string text;
+  int arg = 0;
+};
 
-void PushError(lua_State* L, const qorvel::Error& e) {
+// The exception being handled, as a failure. Taking a copy of its text may itself run out of
+// memory; that is then the failure, so nothing escapes towards Lua's C frames.
+Failure CurrentFailure() noexcept {
+  try {
+    try {
+      throw;
+    } catch (const qorvel::Error& e) {
+      return {e.number(), e.description()};
+    } catch (const ArgError& e) {
+      return {0, e.what(), e.arg()};
+    } catch (const std::bad_alloc&) {
+      return {qorvel::err::kOutOfMemory, {}};
+    } catch (const std::exception& e) {
+      return {0, e.what()};
+    } catch (...) {
+      return {0, "unexpected exception in qvsh"};
+    }
+  } catch (...) {
+    return {qorvel::err::kOutOfMemory, {}};
+  }
+}
+
+void PushFailure(lua_State* L, const Failure& f) {
+  if (f.number == 0) {
+    lua_pushlstring(L, f.text.data(), f.text.size());
+    return;
+  }
   lua_createtable(L, 0, 2);
-  lua_pushinteger(L, e.number());
+  lua_pushinteger(L, f.number);
   lua_setfield(L, -2, "number");
-  lua_pushlstring(L, e.description().data(), e.description().size());
+  if (f.number == qorvel::err::kOutOfMemory && f.text.empty()) {
+    lua_pushliteral(L, "Out of memory");  // no room to ask for the runtime's text
+  } else {
+    lua_pushlstring(L, f.text.data(), f.text.size());
+  }
   lua_setfield(L, -2, "description");
   luaL_setmetatable(L, kErrorMeta);
 }
+
+}  // namespace
 
 std::string ErrorText(lua_State* L, int index) {
   index = lua_absindex(L, index);
@@ -49,23 +89,23 @@ std::string ErrorText(lua_State* L, int index) {
 
 void OpenErrors(lua_State* L) {
   luaL_newmetatable(L, kErrorMeta);
-  lua_pushcfunction(L, ErrorToString);
+  lua_pushcfunction(L, Protected<ErrorToString>);
   lua_setfield(L, -2, "__tostring");
   lua_pop(L, 1);
 }
 
 int RunProtected(lua_State* L, Body body) {
   int bad_arg = 0;
-  try {
-    return body(L);
-  } catch (const qorvel::Error& e) {
-    PushError(L, e);
-  } catch (const ArgError& e) {
-    lua_pushstring(L, e.what());
-    bad_arg = e.arg();
-  } catch (const std::exception& e) {
-    lua_pushstring(L, e.what());
-  }
+  {
+    Failure failure;
+    try {
+      return body(L);
+    } catch (...) {
+      failure = CurrentFailure();
+    }
+    PushFailure(L, failure);
+    bad_arg = failure.arg;
+  }  // Lua raises with longjmp: the failure's text must be gone by then
   if (bad_arg != 0) return luaL_argerror(L, bad_arg, lua_tostring(L, -1));
   return lua_error(L);
 }

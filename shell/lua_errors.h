@@ -10,10 +10,9 @@
 
 namespace qvsh {
 
-// A raised automation error as a script sees it: a table with `number` and `description`,
-// whose tostring is "Error <number>: <description>".
-void PushError(lua_State* L, const qorvel::Error& e);
-// The text of an error value: that form for an automation error, Lua's message otherwise.
+// A raised automation error reaches a script as a table with `number` and `description`, whose
+// tostring is "Error <number>: <description>". ErrorText gives that form for such a value, and
+// Lua's message for any other error value.
 std::string ErrorText(lua_State* L, int index);
 void OpenErrors(lua_State* L);
 
@@ -31,7 +30,8 @@ class ArgError : public std::exception {
 
 // Lua raises its errors with longjmp, which would skip the destructors of C++ locals. So the
 // body of a shell function reports every failure as a C++ exception, and Protected raises the
-// Lua error only once the body's frames are gone.
+// Lua error only once the body's frames are gone. No exception gets past it: running out of
+// memory is automation error 7, and anything else unforeseen a Lua error.
 using Body = int (*)(lua_State*);
 int RunProtected(lua_State* L, Body body);
 template <Body body>

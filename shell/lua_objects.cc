@@ -77,10 +77,11 @@ int NewIndex(lua_State* L) {
   return 0;
 }
 
+// Lua asks only about two different userdata, so released ones are never equal.
 int Equals(lua_State* L) {
-  const AutomationObject* a = TestObject(L, 1);
-  const AutomationObject* b = TestObject(L, 2);
-  lua_pushboolean(L, a != nullptr && b != nullptr && *a == *b);
+  const auto* a = static_cast<const AutomationObject*>(luaL_testudata(L, 1, kObjectMeta));
+  const auto* b = static_cast<const AutomationObject*>(luaL_testudata(L, 2, kObjectMeta));
+  lua_pushboolean(L, a != nullptr && b != nullptr && *a != nullptr && *a == *b);
   return 1;
 }
 
@@ -95,17 +96,26 @@ std::string KindOf(const qorvel::Dispatch* object) {
   return "object";
 }
 
-// "Zebrin: 0x5581...", "Tarvik.Document: 0x5581..."
+// "Zebrin: 0x5581...", "Tarvik.Document: 0x5581...", and for a finalizer's debugging print
+// "object: released" rather than an error.
 int ToString(lua_State* L) {
+  const auto* slot = static_cast<const AutomationObject*>(luaL_testudata(L, 1, kObjectMeta));
+  if (slot != nullptr && *slot == nullptr) {
+    lua_pushliteral(L, "object: released");
+    return 1;
+  }
   const AutomationObject object = ArgObject(L, 1);
   const std::string kind = KindOf(object.get());
   lua_pushfstring(L, "%s: %p", kind.c_str(), static_cast<void*>(object.get()));
   return 1;
 }
 
+// A finalizer that runs later in the same cycle may still reach this userdata, and may keep it
+// alive, so the slot is left holding an empty reference rather than destroyed: every later use
+// finds it released. An empty shared_ptr owns nothing, so its destructor need never run.
 int Collect(lua_State* L) {
   if (auto* object = static_cast<AutomationObject*>(luaL_testudata(L, 1, kObjectMeta))) {
-    object->~AutomationObject();
+    object->reset();
   }
   return 0;
 }
@@ -128,7 +138,9 @@ void PushObject(lua_State* L, AutomationObject object) {
 }
 
 const AutomationObject* TestObject(lua_State* L, int index) {
-  return static_cast<const AutomationObject*>(luaL_testudata(L, index, kObjectMeta));
+  const auto* object = static_cast<const AutomationObject*>(luaL_testudata(L, index, kObjectMeta));
+  if (object != nullptr && *object == nullptr) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  return object;
 }
 
 void OpenObjects(lua_State* L) {

@@ -17,7 +17,9 @@ qorvel::Variant ToVariant(lua_State* L, int index);
 void PushVariant(lua_State* L, const qorvel::Variant& value);
 
 // The userdata that stand for automation objects (lua_objects.cc) and arrays (lua_arrays.cc);
-// the Test functions give nullptr for any other value.
+// the Test functions give nullptr for any other value. Once its finalizer has run, a userdata
+// holds nothing (a finalizer later in the same cycle may still reach it): the Test functions
+// raise 91 for it.
 void PushObject(lua_State* L, qorvel::AutomationObject object);
 const qorvel::AutomationObject* TestObject(lua_State* L, int index);
 void PushArray(lua_State* L, qorvel::SafeArray array);

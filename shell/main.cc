@@ -49,7 +49,7 @@ int MessageHandler(lua_State* L) {
 // Calls the function below its `nargs` arguments; reports a failure on standard error.
 bool Call(lua_State* L, int nargs, int nresults) {
   const int base = lua_gettop(L) - nargs;
-  lua_pushcfunction(L, MessageHandler);
+  lua_pushcfunction(L, qvsh::Protected<MessageHandler>);
   lua_insert(L, base);
   const int status = lua_pcall(L, nargs, nresults, base);
   lua_remove(L, base);

@@ -231,6 +231,15 @@ int GoAway(lua_State* L) {
   return 0;
 }
 
+// Sim.VanishAt(host, n): answers n - 1 more calls, and goes away at the n-th.
+int VanishAt(lua_State* L) {
+  std::shared_ptr<SimHost> host = ArgHost(L, 1);
+  const lua_Integer n = ArgInteger(L, 2);
+  if (n < 1) throw ArgError(2, "a call count of 1 or more expected");
+  host->VanishAt(n);
+  return 0;
+}
+
 int Gone(lua_State* L) {
   lua_pushboolean(L, ArgHost(L, 1)->gone());
   return 1;
@@ -288,6 +297,7 @@ void OpenSimulators(lua_State* L) {
                                 {"FailMember", Protected<FailMember>},
                                 {"ClearFaults", Protected<ClearFaults>},
                                 {"GoAway", Protected<GoAway>},
+                                {"VanishAt", Protected<VanishAt>},
                                 {"Gone", Protected<Gone>},
                                 {"SetBusy", Protected<SetBusy>},
                                 {"LingerOnExit", Protected<LingerOnExit>},

@@ -51,21 +51,6 @@ assert(table.concat(cmds, "|") ==
   "EDIT DIAMETER 8.|EDIT TOOLTYPE OFFCENTRETIPRAD|EDIT TIPRADIUSX 0.|EDIT TIPRADIUSY 0.",
   table.concat(cmds, "|"))
 
--- Lists fill the client's collection; by-reference values come back after the result.
-Sim.AddToolpath(host, "A", 0, 0, 0, 1, 1, 1)
-Sim.AddToolpath(host, "B", -1, -2, -3, 4, 5, 6)
-Sim.SetActive(host, "toolpath", "B")
-local list = Collection()
-list:Add("stale")
-local result, same, active = t:GetToolpathList(list, 99)
-assert(result == nil and active == 2 and list.Count == 2 and list:Item(2) == "B")
-local _, name, xmin, xmax, ymin, ymax, zmin, zmax = t:SizeToolpath("B", 0, 0, 0, 0, 0, 0)
-assert(name == '"B"' and xmin == -1 and xmax == 4 and ymin == -2 and zmax == 6)
-_, name, xmin = t:SizeToolpath(name, 0, 0, 0, 0, 0, 0)    -- doubled quotes: unknown
-assert(name == '""B""' and xmin == 0)
-
-t.Units = qvINCHES
-assert(t.Units == qvINCHES)
 t:Disconnect()
 assert(t.Connected == false)
 print("machining session: ok")

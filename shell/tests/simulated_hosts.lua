@@ -116,6 +116,16 @@ do local dropped = CreateObject("QorvelOLE.Tarvik3") end
 collectgarbage()
 assert(fresh.Connected == false)
 
+-- A host can vanish halfway through a member: this one answers Tarvik's trace command and is
+-- gone by the query behind it.
+local doomed = Sim.RunTarvik()
+fresh:Connect()
+Sim.VanishAt(doomed, 2)
+assert(fresh:ExecuteEx("PRINT FORMVALUE INFOBAR.UNITS") == "Error" and Sim.Gone(doomed))
+log = Sim.Log(doomed)
+assert(log[#log] == 'ExecuteEx("PRINT FORMVALUE INFOBAR.UNITS", 0, "Error")', log[#log])
+assert(fresh.Connected == false)
+
 -- Bad arguments to the controls are errors, never a crash.
 ok, err = pcall(Sim.SetVersion, z, 1)
 assert(not ok and err:find("simulated host expected"), err)
@@ -125,6 +135,8 @@ ok, err = pcall(Sim.SetActive, tarvik, "toolpath", "nothing")
 assert(not ok and err.number == 5, tostring(err))
 ok, err = pcall(Sim.Commands, host, "Exit")
 assert(not ok and err:find('"Execute" or "ExecuteEx" expected'), err)
+ok, err = pcall(Sim.VanishAt, tarvik, 0)
+assert(not ok and err:find("a call count of 1 or more expected"), err)
 ok, err = pcall(Sim.SetActive, tarvik, "surface", "x")
 assert(not ok and err:find("invalid option"), err)
 print("simulated hosts: ok")

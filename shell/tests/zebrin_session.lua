@@ -35,11 +35,4 @@ assert(#boxes == 1)
 assert(boxes[1].text == "Cannot start remote Zebrin session\rCheck registry", boxes[1].text)
 assert(boxes[1].style == 4112 and boxes[1].title == "Error starting Zebrin")
 
--- Unknown members and wrong argument counts.
-ok, err = pcall(function() return z.NoSuchThing end)
-assert(not ok and err.number == 438)
-ok, err = pcall(function() z:Execute() end)
-assert(not ok and err.number == 450)
-ok, err = pcall(function() z:Connect("abc") end)
-assert(not ok and err.number == 13)
 print("zebrin session: ok")

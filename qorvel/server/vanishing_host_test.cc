@@ -1,0 +1,218 @@
+// Every member of Zebrin and Tarvik3 that calls its host, with the host vanishing at each of
+// those calls in turn: each run must end as the member ends with a host that has gone.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hosts/simulators.h"
+#include "qorvel/frame/control.h"
+#include "qorvel/frame/host_link.h"
+#include "qorvel/machining/tarvik3_face.h"
+#include "qorvel/platform/collection.h"
+#include "qorvel/platform/env_testing.h"
+#include "qorvel/platform/error_testing.h"
+#include "qorvel/session/zebrin_face.h"
+
+namespace qorvel {
+namespace {
+
+using hosts::SimHost;
+using hosts::SimTarvik;
+
+// A member through the dispatch face, and how it must end when its host goes at any call.
+struct Member {
+  const char* name;
+  Host host;
+  bool connected;  // whether the control has connected to the healthy host first
+  std::function<Variant(const AutomationObject&)> call;
+  size_t calls;         // the host calls it makes with a healthy host
+  Variant gone{};       // its result once the host has gone
+  size_t unneeded = 0;  // last calls its result doesn't depend on (the dialogs restore)
+  size_t raised = 0;    // vanishing at calls 1 to this one reaches the client, as 462
+};
+using Members = std::vector<Member>;
+
+// A run of `list` on a Tarvik's entities: how many names it gave back, and the active line.
+Variant List(const AutomationObject& tarvik, const char* list) {
+  AutomationObject names = NewCollection();
+  Call(names, "Add", "stale");
+  int32_t active = 99;
+  std::vector<Variant> args{Variant::Ref(names), Variant::Ref(active)};
+  CallMember(tarvik, list, args);
+  return std::to_string(GetMember(names, "Count").ToLong()) + " " + std::to_string(active);
+}
+
+Variant SizeToolpath(const AutomationObject& tarvik) {
+  std::string name = "Finish 2";
+  double v[6] = {7, 7, 7, 7, 7, 7};
+  std::vector<Variant> args{Variant::Ref(name)};
+  for (double& d : v) args.push_back(Variant::Ref(d));
+  CallMember(tarvik, "SizeToolpath", args);
+  std::string text;
+  for (double d : v) text += Variant(d).ToText() + " ";
+  return text;
+}
+
+Variant Get(const AutomationObject& control, const char* name, Variant index) {
+  std::vector<Variant> args{std::move(index)};
+  return GetMember(control, name, args);
+}
+
+// A property put, which has no result.
+Variant Put(const AutomationObject& control, const char* name, Variant value) {
+  SetMember(control, name, std::move(value));
+  return Variant();
+}
+
+const Members& TheMembers() {
+  const Host Z = Host::kZebrin, T = Host::kTarvik;
+  const Variant no = VariantBool::kFalse;
+  const auto hide = [](const AutomationObject& c) { return Put(c, "Visible", false); };
+  static const Members members = {
+      {"Zebrin Connect 0", Z, false, [](auto& c) { return Call(c, "Connect", 0); }, 1},
+      {"Zebrin Connect 1", Z, false, [](auto& c) { return Call(c, "Connect", 1); }, 1},
+      {"ExitZebrin", Z, true, [](auto& c) { return Call(c, "ExitZebrin"); }, 2},
+      {"Zebrin Visible put", Z, true, hide, 3, {}, 0, 3},
+      {"InformationWindow put", Z, true, [](auto& c) { return Put(c, "InformationWindow", true); },
+       1},
+      {"Tarvik3 Connect 0", T, false, [](auto& c) { return Call(c, "Connect", 0); }, 1},
+      {"Tarvik3 Connect 1", T, false, [](auto& c) { return Call(c, "Connect", 1); }, 1},
+      {"Tarvik3 Connect 2", T, false, [](auto& c) { return Call(c, "Connect", 2); }, 2, {}, 0, 1},
+      {"ExitTarvik", T, true, [](auto& c) { return Call(c, "ExitTarvik"); }, 2},
+      {"Tarvik3 ExecuteEx", T, true,
+       [](auto& c) { return Call(c, "ExecuteEx", "PRINT FORMVALUE INFOBAR.UNITS"); }, 2, "Error"},
+      {"Dialogs get", T, true, [](auto& c) { return GetMember(c, "Dialogs"); }, 2, no},
+      {"Dialogs put", T, true, [](auto& c) { return Put(c, "Dialogs", true); }, 2},
+      {"Tarvik3 Visible put", T, true, hide, 3, {}, 0, 3},
+      {"StoreBlock, BlockSize read back", T, true,
+       [](auto& c) { return Call(c, "StoreBlock"), Get(c, "BlockSize", 2); }, 7, 0.0, 1},
+      {"BlockSize", T, true, [](auto& c) { return Get(c, "BlockSize", 2); }, 7, 0.0, 1},
+      {"StoreModel, ModelSize read back", T, true,
+       [](auto& c) { return Call(c, "StoreModel"), Get(c, "ModelSize", 2); }, 6, 0.0, 1},
+      {"ModelSize", T, true, [](auto& c) { return Get(c, "ModelSize", 2); }, 6, 0.0, 1},
+      {"ResizeBlock", T, true, [](auto& c) { return Call(c, "ResizeBlock", 2.5); }, 18},
+      {"SetBlock", T, true, [](auto& c) { return Call(c, "SetBlock", 6, 30.0); }, 2},
+      {"DefineTool", T, true,
+       [](auto& c) {
+         return Call(c, "DefineTool", 4, 10.0, 75.0, 1.0, 30.0, 5.0, Variant(), Variant(), 12,
+                     "T1");
+       },
+       8},
+      {"Units get", T, true, [](auto& c) { return GetMember(c, "Units"); }, 2, 0},
+      {"Units put, read back", T, true,
+       [](auto& c) { return Put(c, "Units", 1), GetMember(c, "Units"); }, 3, 1},
+      {"IsModelLoaded", T, true, [](auto& c) { return GetMember(c, "IsModelLoaded"); }, 6, no, 1},
+      {"BlockDefined", T, true, [](auto& c) { return GetMember(c, "BlockDefined"); }, 6, no, 1},
+      {"GetToolpathList", T, true, [](auto& c) { return List(c, "GetToolpathList"); }, 2, "0 0"},
+      {"GetPatternList", T, true, [](auto& c) { return List(c, "GetPatternList"); }, 2, "0 0"},
+      {"GetWorkplaneList", T, true, [](auto& c) { return List(c, "GetWorkplaneList"); }, 2, "0 0"},
+      {"SizeToolpath", T, true, [](auto& c) { return SizeToolpath(c); }, 6, "0 0 0 0 0 0 ", 1},
+  };
+  return members;
+}
+
+// A Tarvik with something of everything the members ask about. Its units are inches, while the
+// control still holds millimetres.
+void Stock(SimTarvik& tarvik) {
+  tarvik.LoadModel({-50, -25, 0, 50, 25, 30}, 12);
+  SimTarvik::Block block;
+  block.defined = true;
+  block.limits = {-10, 110, -10, 60, 0, 25};
+  tarvik.set_block(block);
+  tarvik.AddToolpath("Rough 1", {-45, -22, 0, 45, 22, 30});
+  tarvik.AddToolpath("Finish 2", {-40, -20, 1, 40, 20, 29});
+  tarvik.SetActive(hosts::EntityKind::kToolpath, "Finish 2");
+  tarvik.AddPattern("Holes", {0, 0, 5, 80, 40, 5});
+  tarvik.SetActive(hosts::EntityKind::kPattern, "Holes");
+  tarvik.AddWorkplane("Top", {10, 20, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
+  tarvik.SetActive(hosts::EntityKind::kWorkplane, "Top");
+  tarvik.set_units("INCHES");
+}
+
+// One run of a member in a fresh environment. With `vanish_at`, the host goes away at that call
+// of the member: the running host, or the one that Connect creates.
+class MemberRun {
+ public:
+  MemberRun(const Member& m, size_t vanish_at) : host_(m.host), vanish_at_(vanish_at) {
+    std::shared_ptr<SimHost> running;
+    if (m.host == Host::kZebrin) {
+      running = hosts::RunZebrin();
+      control_ = NewControl<Zebrin>();
+    } else {
+      auto tarvik = hosts::RunTarvik();
+      Stock(*tarvik);
+      running = tarvik;
+      env_.env().running_objects().RegisterClassServer(ProfileOf(m.host).class_name, [this] {
+        auto created = std::make_shared<SimTarvik>();
+        if (vanish_at_ != 0) created->VanishAt(vanish_at_);
+        return created;
+      });
+      control_ = NewControl<Tarvik3>();
+    }
+    if (m.connected) Call(control_, "Connect");
+    visible_ = GetMember(control_, "Visible").ToBool();
+    running->ClearLog();
+    if (vanish_at != 0) running->VanishAt(vanish_at);
+    error_ = ErrorOf([&] { result_ = m.call(control_); });
+  }
+
+  const AutomationObject& control() const { return control_; }
+  // The host that the link holds once the member has run.
+  std::shared_ptr<SimHost> host() const {
+    return std::dynamic_pointer_cast<SimHost>(HostLink::Of(host_).object());
+  }
+  int32_t error() const { return error_; }
+  const Variant& result() const { return result_; }
+  VariantBool visible_before() const { return visible_; }
+  bool boxes_shown() { return !env_.env().messages().shown().empty(); }
+
+ private:
+  ScopedEnv env_;
+  const Host host_;
+  const size_t vanish_at_;
+  AutomationObject control_;
+  VariantBool visible_ = VariantBool::kFalse;
+  int32_t error_ = 0;
+  Variant result_;
+};
+
+TEST(VanishingHostTest, EveryMemberEndsAsWithAGoneHostWhicheverCallItVanishesAt) {
+  for (const Member& m : TheMembers()) {
+    SCOPED_TRACE(m.name);
+    size_t n = 0;
+    Variant healthy;
+    {
+      MemberRun run(m, 0);
+      ASSERT_EQ(run.error(), 0);
+      n = run.host()->log().size();
+      EXPECT_EQ(n, m.calls);
+      healthy = run.result();
+    }
+    for (size_t k = 1; k <= n; ++k) {
+      SCOPED_TRACE("the host vanishes at call " + std::to_string(k));
+      MemberRun run(m, k);
+      const std::shared_ptr<SimHost> host = run.host();
+      ASSERT_TRUE(host != nullptr && host->gone());
+      EXPECT_EQ(run.error(), k <= m.raised ? err::kServerGone : 0);
+      if (run.error() == 0) {
+        EXPECT_EQ(run.result().ToText(), (k + m.unneeded <= n ? m.gone : healthy).ToText());
+      }
+      EXPECT_FALSE(run.boxes_shown());
+
+      // Afterwards the control finds no host, and keeps the visibility it last held.
+      const AutomationObject& c = run.control();
+      EXPECT_EQ(GetMember(c, "Connected").ToBool(), VariantBool::kFalse);
+      EXPECT_EQ(GetMember(c, "version").ToLong(), 0);
+      EXPECT_EQ(GetMember(c, "Visible").ToBool(), run.visible_before());
+      // The link stays bound to the dead host: a command goes to it and fails without a word.
+      EXPECT_EQ(ErrorOf([&] { Call(c, "Execute", "ECHO after"); }), 0);
+      EXPECT_EQ(host->commands().back(), "ECHO after");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace qorvel
