@@ -127,7 +127,9 @@ TEST_F(VariantTest, VariantBoolKeepsAnySixteenBitValue) {
 
 TEST_F(VariantTest, EmptyReadsAsZeroAndNullObjectsAndArraysAreNoScalars) {
   Variant empty;
-  EXPECT_EQ(empty.ToLong() + empty.ToDouble() + RawBool(empty.ToBool()), 0);
+  EXPECT_EQ(empty.ToLong(), 0);
+  EXPECT_EQ(empty.ToDouble(), 0);
+  EXPECT_EQ(empty.ToBool(), VariantBool::kFalse);
   EXPECT_EQ(empty.ToText(), "");
   EXPECT_EQ(empty.ToObject(), nullptr);
   try {
@@ -245,7 +247,8 @@ TEST_F(VariantTest, ArraysInVariantsAreValues) {
   SafeArray from_a = a.ToArray();
   from_a.PutDouble(1, 9.0);
   original.PutDouble(2, 5.0);
-  EXPECT_EQ(a.ToArray().GetDouble(1) + a.ToArray().GetDouble(2), 0.0);
+  EXPECT_EQ(a.ToArray().GetDouble(1), 0.0);
+  EXPECT_EQ(a.ToArray().GetDouble(2), 0.0);
 }
 
 // Memory that can't be had is held back like any other error, as 7: an allocation that fails,
