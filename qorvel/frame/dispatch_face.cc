@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/text.h"
 
@@ -97,15 +98,19 @@ std::vector<Variant> ClassObject::Prepare(const MemberInfo& member, std::span<Va
   return prepared;
 }
 
+// The one boundary where memory that can't be had becomes the client's error 7: whatever
+// member ran out, the caller gets an automation error, never a C++ exception.
 Variant ClassObject::InvokeById(int32_t dispid, CallKind kind, std::span<Variant> args) {
-  const MemberInfo* member = Find(dispid, kind);
-  if (member == nullptr || !IsBound(*member)) Raise(err::kNoMember);
-  std::vector<Variant> prepared = Prepare(*member, args);
-  Variant result = Run(static_cast<size_t>(member - interface_info().members.data()), prepared);
-  for (size_t i = 0; i < args.size(); ++i) {
-    if (member->params[i].by_ref && args[i].is_ref()) args[i].Assign(prepared[i]);
-  }
-  return result;
+  return OutOfMemoryAsError([&] {
+    const MemberInfo* member = Find(dispid, kind);
+    if (member == nullptr || !IsBound(*member)) Raise(err::kNoMember);
+    std::vector<Variant> prepared = Prepare(*member, args);
+    Variant result = Run(static_cast<size_t>(member - interface_info().members.data()), prepared);
+    for (size_t i = 0; i < args.size(); ++i) {
+      if (member->params[i].by_ref && args[i].is_ref()) args[i].Assign(prepared[i]);
+    }
+    return result;
+  });
 }
 
 int32_t ClassObject::Advise(AutomationObject sink) {

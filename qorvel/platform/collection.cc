@@ -29,42 +29,44 @@ Variant ArgOrEmpty(std::span<Variant> args, size_t i) {
 
 }  // namespace
 
-int32_t Collection::Count() const { return static_cast<int32_t>(items_.size()); }
+int32_t Collection::Count() const { return static_cast<int32_t>(members_.size()); }
 
 size_t Collection::Position(const Variant& index) const {
   if (index.type() == VarType::kText) {
     std::string key = KeyOf(index);
-    auto it = std::find(keys_.begin(), keys_.end(), key);
-    if (key.empty() || it == keys_.end()) Raise(err::kInvalidCall);
-    return static_cast<size_t>(it - keys_.begin());
+    if (key.empty() || !keys_.contains(key)) Raise(err::kInvalidCall);
+    auto it = std::find_if(members_.begin(), members_.end(),
+                           [&](const Member& m) { return m.key == key; });
+    return static_cast<size_t>(it - members_.begin());
   }
   int32_t number = index.ToLong();
   if (number < 1 || number > Count()) Raise(err::kSubscript);
   return static_cast<size_t>(number - 1);
 }
 
-Variant Collection::Item(const Variant& index) const { return items_[Position(index)]; }
+Variant Collection::Item(const Variant& index) const { return members_[Position(index)].item; }
 
 void Collection::Add(const Variant& item, const Variant& key, const Variant& before,
                      const Variant& after) {
   if (!before.is_empty() && !after.is_empty()) Raise(err::kInvalidCall);
   std::string folded = KeyOf(key);
-  if (!folded.empty() && key_set_.count(folded)) {
-    Raise(err::kDuplicateKey);
-  }
-  size_t at = items_.size();
+  if (!folded.empty() && keys_.contains(folded)) Raise(err::kDuplicateKey);
+  size_t at = members_.size();
   if (!before.is_empty()) at = Position(before);
   if (!after.is_empty()) at = Position(after) + 1;
-  items_.insert(items_.begin() + at, item.Deref());
-  keys_.insert(keys_.begin() + at, folded);
-  if (!folded.empty()) key_set_.insert(folded);
+  if (!folded.empty()) keys_.insert(folded);
+  try {
+    members_.insert(members_.begin() + at, Member{item.Deref(), folded});
+  } catch (...) {
+    keys_.erase(folded);  // an item that couldn't be added keeps no key
+    throw;
+  }
 }
 
 void Collection::Remove(const Variant& index) {
-  size_t at = Position(index);
-  key_set_.erase(keys_[at]);
-  items_.erase(items_.begin() + at);
-  keys_.erase(keys_.begin() + at);
+  auto at = members_.begin() + Position(index);
+  keys_.erase(at->key);
+  members_.erase(at);
 }
 
 Variant Collection::Invoke(std::string_view member, CallKind kind, std::span<Variant> args) {

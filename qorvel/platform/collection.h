@@ -2,11 +2,11 @@
 #define QORVEL_PLATFORM_COLLECTION_H_
 
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_set>
-#include <vector>
 
 #include "qorvel/platform/dispatch.h"
 
@@ -26,18 +26,20 @@ class Collection : public Dispatch {
            const Variant& after = {});
   void Remove(const Variant& index);
 
-  size_t size() const { return items_.size(); }
-  const std::vector<Variant>& items() const { return items_; }
-
   Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) override;
   MemberShape Shape(std::string_view member) const override;
 
  private:
+  struct Member {
+    Variant item;
+    std::string key;  // folded to lower case; empty for none
+  };
+
   size_t Position(const Variant& index) const;  // 0-based
 
-  std::vector<Variant> items_;
-  std::vector<std::string> keys_;  // folded to lower case beside each item; empty for none
-  std::unordered_set<std::string> key_set_;
+  // A deque, so that a client draining the list from either end pays the same per removal.
+  std::deque<Member> members_;
+  std::unordered_set<std::string> keys_;
 };
 
 AutomationObject NewCollection();

@@ -1,16 +1,20 @@
 #include "qorvel/platform/safe_array.h"
 
+#include <algorithm>
 #include <limits>
-#include <new>
 #include <string>
 #include <utility>
 #include <variant>
 
+#include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/error.h"
 
 namespace qorvel {
 
 struct SafeArray::Storage {
+  Storage() = default;
+  Storage(VarType element, std::vector<Bound> bounds);
+
   VarType element = VarType::kVariant;
   std::vector<Bound> bounds;
   // One typed vector, first subscript fastest; Integer and VariantBool elements share the
@@ -22,37 +26,39 @@ struct SafeArray::Storage {
 
 namespace {
 
-inline constexpr int32_t kOutOfMemory = 7;
+// The most storage one array may take: what a 32-bit process could ever give one block. A
+// larger shape is refused with 7 before anything is allocated, so the refusal doesn't hang on
+// the allocator (or on a sanitizer's, which may abort on a huge request instead of failing).
+inline constexpr int64_t kMaxBytes = std::numeric_limits<int32_t>::max();
 
-[[noreturn]] void RaiseOutOfMemory() { Raise(kOutOfMemory, "Out of memory"); }
+int64_t ElementBytes(const auto& items) {
+  return std::visit([](const auto& v) { return int64_t{sizeof(v[0])}; }, items);
+}
 
-// The number of elements the bounds describe; 9 for a bound no subscript could reach.
-int64_t ElementCount(const std::vector<Bound>& bounds) {
-  if (bounds.empty()) return 0;
-  bool any_empty = false;
+// The number of elements the bounds describe. A negative count, or an element no 32-bit
+// subscript could reach, is 9; an empty dimension empties the array whatever the others hold;
+// storage beyond kMaxBytes can't be had (7). Products stay below kMaxBytes, so none overflows.
+int64_t ElementCount(const std::vector<Bound>& bounds, int64_t element_bytes) {
   for (const Bound& b : bounds) {
-    if (b.count < 0) Raise(err::kSubscript);
-    if (int64_t{b.lower} + b.count - 1 > std::numeric_limits<int32_t>::max()) {
+    if (b.count < 0 || int64_t{b.lower} + b.count - 1 > std::numeric_limits<int32_t>::max()) {
       Raise(err::kSubscript);
     }
-    any_empty = any_empty || b.count == 0;
   }
-  if (any_empty) return 0;
+  if (bounds.empty() || std::ranges::any_of(bounds, [](const Bound& b) { return b.count == 0; })) {
+    return 0;
+  }
+  const int64_t most = kMaxBytes / element_bytes;
   int64_t total = 1;
   for (const Bound& b : bounds) {
+    if (b.count > most / total) Raise(err::kOutOfMemory);
     total *= b.count;
-    if (total > std::numeric_limits<int32_t>::max()) RaiseOutOfMemory();
   }
   return total;
 }
 
 template <class Items>
 void Resize(Items& items, int64_t count) {
-  try {
-    std::visit([count](auto& v) { v.resize(static_cast<size_t>(count)); }, items);
-  } catch (const std::bad_alloc&) {
-    RaiseOutOfMemory();
-  }
+  std::visit([count](auto& v) { v.resize(static_cast<size_t>(count)); }, items);
 }
 
 Variant ElementAt(const auto& storage, int64_t offset) {
@@ -75,33 +81,35 @@ Variant ElementAt(const auto& storage, int64_t offset) {
 
 }  // namespace
 
-SafeArray::SafeArray() = default;
-
-SafeArray::SafeArray(VarType element, std::vector<Bound> bounds) : data_(new Storage) {
-  int64_t count = ElementCount(bounds);
-  data_->element = element;
+SafeArray::Storage::Storage(VarType element, std::vector<Bound> bounds) : element(element) {
   switch (element) {
     case VarType::kVariant:
       break;
     case VarType::kDouble:
-      data_->items = std::vector<double>();
+      items = std::vector<double>();
       break;
     case VarType::kBool:
     case VarType::kInteger:
-      data_->items = std::vector<int16_t>();
+      items = std::vector<int16_t>();
       break;
     case VarType::kLong:
-      data_->items = std::vector<int32_t>();
+      items = std::vector<int32_t>();
       break;
     case VarType::kText:
-      data_->items = std::vector<std::string>();
+      items = std::vector<std::string>();
       break;
     default:
       Raise(err::kInvalidCall);
   }
-  Resize(data_->items, count);
-  data_->bounds = std::move(bounds);
+  Resize(items, ElementCount(bounds, ElementBytes(items)));
+  this->bounds = std::move(bounds);
 }
+
+SafeArray::SafeArray() = default;
+
+SafeArray::SafeArray(VarType element, std::vector<Bound> bounds)
+    : data_(OutOfMemoryAsError(
+          [&] { return std::make_shared<Storage>(element, std::move(bounds)); })) {}
 
 SafeArray SafeArray::Fixed(VarType element, std::vector<Bound> bounds) {
   SafeArray array(element, std::move(bounds));
@@ -149,38 +157,41 @@ int32_t SafeArray::LBound(int32_t dim) const {
   return storage().bounds[dim - 1].lower;
 }
 
+// An empty dimension at the lowest lower bound ends one below anything a Long holds.
 int32_t SafeArray::UBound(int32_t dim) const {
   if (dim < 1 || dim > dims()) Raise(err::kSubscript);
   const Bound& b = storage().bounds[dim - 1];
-  return b.lower + b.count - 1;
+  const int64_t upper = int64_t{b.lower} + b.count - 1;
+  if (upper < std::numeric_limits<int32_t>::min()) Raise(err::kOverflow);
+  return static_cast<int32_t>(upper);
 }
 
 int64_t SafeArray::size() const {
-  int64_t total = dims() > 0 ? 1 : 0;
-  for (const Bound& b : storage().bounds) total *= b.count;
-  return total;
+  return std::visit([](const auto& v) { return static_cast<int64_t>(v.size()); }, storage().items);
 }
 
+// Every subscript is checked before any arithmetic: once all are inside their bounds no
+// dimension is empty, and the offset stays below size().
 int64_t SafeArray::Offset(std::span<const int32_t> subscripts) const {
   const std::vector<Bound>& bounds = storage().bounds;
   if (subscripts.empty() || subscripts.size() != bounds.size()) Raise(err::kSubscript);
-  int64_t offset = 0;
-  int64_t stride = 1;
   for (size_t d = 0; d < bounds.size(); ++d) {
-    int64_t index = int64_t{subscripts[d]} - bounds[d].lower;
+    const int64_t index = int64_t{subscripts[d]} - bounds[d].lower;
     if (index < 0 || index >= bounds[d].count) Raise(err::kSubscript);
-    offset += index * stride;
-    stride *= bounds[d].count;
+  }
+  int64_t offset = 0;
+  for (size_t d = bounds.size(); d-- > 0;) {
+    offset = offset * bounds[d].count + (int64_t{subscripts[d]} - bounds[d].lower);
   }
   return offset;
 }
 
 Variant SafeArray::Get(std::span<const int32_t> subscripts) const {
-  return ElementAt(storage(), Offset(subscripts));
+  return OutOfMemoryAsError([&] { return ElementAt(storage(), Offset(subscripts)); });
 }
 
 void SafeArray::Put(std::span<const int32_t> subscripts, const Variant& value) {
-  PutAt(Offset(subscripts), value);
+  OutOfMemoryAsError([&] { PutAt(Offset(subscripts), value); });
 }
 
 // Converts first: a value that doesn't fit leaves the array (and its sharers) untouched.
@@ -220,16 +231,12 @@ void SafeArray::PutDouble(int32_t subscript, double value) {
 // Copy on write: the first write through a shared array gives it storage of its own.
 void SafeArray::Unshare() {
   if (data_ && data_.use_count() == 1) return;
-  try {
-    data_ = std::make_shared<Storage>(storage());
-  } catch (const std::bad_alloc&) {
-    RaiseOutOfMemory();
-  }
+  data_ = OutOfMemoryAsError([&] { return std::make_shared<Storage>(storage()); });
 }
 
 void SafeArray::Redim(std::vector<Bound> bounds, bool preserve) {
   if (fixed_ || locks_ > 0) Raise(err::kArrayLocked);
-  int64_t count = ElementCount(bounds);
+  const int64_t count = ElementCount(bounds, ElementBytes(storage().items));
   const std::vector<Bound>& old = storage().bounds;
   if (!preserve || old.empty()) {
     SafeArray fresh(element_type(), std::move(bounds));
@@ -245,7 +252,7 @@ void SafeArray::Redim(std::vector<Bound> bounds, bool preserve) {
     if (bounds[d] != old[d]) Raise(err::kSubscript);
   }
   Unshare();
-  Resize(data_->items, count);
+  OutOfMemoryAsError([&] { Resize(data_->items, count); });
   data_->bounds = std::move(bounds);
 }
 
@@ -263,8 +270,9 @@ SafeArray SafeArray::ConvertedTo(VarType element) const {
   if (element == element_type()) return *this;
   const Storage& from = storage();
   SafeArray result(element, from.bounds);
-  int64_t count = size();
-  for (int64_t i = 0; i < count; ++i) result.PutAt(i, ElementAt(from, i));
+  OutOfMemoryAsError([&] {
+    for (int64_t i = 0; i < size(); ++i) result.PutAt(i, ElementAt(from, i));
+  });
   return result;
 }
 

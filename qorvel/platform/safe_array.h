@@ -11,7 +11,8 @@
 
 namespace qorvel {
 
-// One dimension: its lower bound and element count (upper bound = lower + count - 1).
+// One dimension: its lower bound and element count (upper bound = lower + count - 1). A count
+// below 0, or one that puts an element past the largest Long, is error 9.
 struct Bound {
   int32_t lower = 1;
   int32_t count = 0;
@@ -22,7 +23,8 @@ struct Bound {
 // creator's choice, the first subscript fastest in memory. Copies share storage until one side
 // writes. Element types: Double, VariantBool, text, Long, Integer and Variant.
 // A copy is a plain array: it is neither fixed nor locked, whatever the original was; a move
-// keeps both states.
+// keeps both states. A shape whose storage can't be had (more than 2 GiB of elements, or memory
+// the allocator refuses) is error 7, and so is any allocation that fails inside a member.
 class SafeArray {
  public:
   SafeArray();  // no dimensions, no data (an unallocated dynamic array)
@@ -37,8 +39,8 @@ class SafeArray {
   VarType element_type() const;
   int32_t dims() const;
   int32_t LBound(int32_t dim = 1) const;  // error 9 for a dimension that isn't there
-  int32_t UBound(int32_t dim = 1) const;
-  int64_t size() const;  // elements in all
+  int32_t UBound(int32_t dim = 1) const;  // and 6 for an empty one that ends below a Long
+  int64_t size() const;                   // elements in all
   std::vector<Bound> bounds() const;
 
   // Element access by subscripts, one per dimension in declaration order; error 9 when a
