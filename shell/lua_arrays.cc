@@ -127,7 +127,8 @@ int ToString(lua_State* L) {
   const SafeArray& array = ArgArray(L, 1);
   std::string text = std::string("SafeArray(") + TypeName(array.element_type());
   for (const Bound& b : array.bounds()) {
-    text += ", " + std::to_string(b.lower) + " to " + std::to_string(b.lower + b.count - 1);
+    text +=
+        ", " + std::to_string(b.lower) + " to " + std::to_string(int64_t{b.lower} + b.count - 1);
   }
   text += ")";
   lua_pushlstring(L, text.data(), text.size());

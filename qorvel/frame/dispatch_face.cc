@@ -142,7 +142,7 @@ void ClassObject::RaiseEvent(int32_t dispid, std::span<Variant> args) {
   for (const auto& [cookie, sink] : sinks) {
     try {
       sink->InvokeById(dispid, CallKind::kMethod, args);
-    } catch (const Error&) {
+    } catch (const std::exception&) {
     }
   }
 }

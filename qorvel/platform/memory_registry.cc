@@ -43,7 +43,6 @@ std::string RootName(HKEY root) {
   return RootPath(root);
 }
 
-
 // Stamps are unique across registries, so a reader never mistakes one for another.
 uint64_t NextGeneration() {
   static std::atomic<uint64_t> last{0};
@@ -99,8 +98,8 @@ int32_t MemoryRegistry::RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* r
   return ERROR_SUCCESS;
 }
 
-int32_t MemoryRegistry::RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t*, uint32_t* type,
-                                   uint8_t* data, uint32_t* size) {
+int32_t MemoryRegistry::RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t*,
+                                         uint32_t* type, uint8_t* data, uint32_t* size) {
   std::lock_guard lock(mu_);
   const std::string path = PathOf(key, "");  // an open handle, or a root itself
   if (path.empty()) return ERROR_INVALID_HANDLE;
@@ -131,7 +130,8 @@ int32_t MemoryRegistry::RegCloseKey(HKEY key) {
   return handles_.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
-void MemoryRegistry::SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value) {
+void MemoryRegistry::SetValue(HKEY root, std::string_view key, std::string_view name,
+                              RegValue value) {
   std::lock_guard lock(mu_);
   MakeKey(PathOf(root, key)).values[UpperCase(name)] = std::move(value);
   Touch();
@@ -151,12 +151,13 @@ void MemoryRegistry::DeleteKey(HKEY root, std::string_view key) {
 
 void MemoryRegistry::DeleteValue(HKEY root, std::string_view key, std::string_view name) {
   std::lock_guard lock(mu_);
-  if (auto k = keys_.find(PathOf(root, key)); k != keys_.end()) k->second.values.erase(UpperCase(name));
+  if (auto k = keys_.find(PathOf(root, key)); k != keys_.end())
+    k->second.values.erase(UpperCase(name));
   Touch();
 }
 
 std::optional<RegValue> MemoryRegistry::GetValue(HKEY root, std::string_view key,
-                                           std::string_view name) const {
+                                                 std::string_view name) const {
   std::lock_guard lock(mu_);
   auto k = keys_.find(PathOf(root, key));
   if (k == keys_.end()) return std::nullopt;

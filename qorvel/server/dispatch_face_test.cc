@@ -168,6 +168,30 @@ TEST_F(DispatchFaceTest, ABindingThatDoesntFitItsRowIsRefused) {
   EXPECT_EQ(ErrorOf([] { BindingTable<Zebrin> table("Nothing", {}); }), 5);
 }
 
+// A class whose member runs out of memory; bound to a row of _Zebrin.
+struct Greedy {
+  void Execute(const std::string&) { throw std::bad_alloc(); }
+};
+
+}  // namespace
+
+template <>
+const BindingTable<Greedy>& BindingsOf<Greedy>() {
+  static const BindingTable<Greedy> table("Zebrin",
+                                          {{Rows<Greedy>::Method<&Greedy::Execute>("Execute")}});
+  return table;
+}
+
+namespace {
+
+TEST_F(DispatchFaceTest, OutOfMemoryReachesTheClientAsError7) {
+  auto greedy = std::make_shared<Instance<Greedy>>();
+  EXPECT_EQ(ErrorOf([&] { Call(greedy, "Execute", "x"); }), 7);
+  std::vector<Variant> args{Variant("x")};
+  EXPECT_EQ(ErrorOf([&] { greedy->InvokeById(0x6003000a, CallKind::kMethod, args); }), 7);
+  EXPECT_EQ(ErrorOf([&] { Call(greedy, "Disconnect"); }), 438);  // a row it doesn't bind
+}
+
 // A sink that writes down what it hears.
 class Sink : public Dispatch {
  public:
