@@ -86,21 +86,23 @@ int Exists(lua_State* L) {
   return 1;
 }
 
-// A symbol numbers can be read with: some text, and no digit in it.
-std::string ArgSymbol(int arg, const std::string& text, const char* what) {
+// A grouping or currency symbol numbers can be read with: some text, and no digit in it. The
+// decimal symbol has the platform's own, stricter check.
+void CheckSymbol(int arg, const std::string& text, const char* what) {
   if (text.empty() || text.find_first_of("0123456789") != std::string::npos) {
     throw ArgError(arg, std::string(what) + " symbol expected: one or more characters, no digits");
   }
-  return text;
 }
 
+// A refused symbol is the platform's error 5, with its reason.
 int SetDecimal(lua_State* L) {
-  qorvel::SetDecimalSymbol(TheRegistry(), ArgSymbol(1, ArgString(L, 1), "a decimal"));
+  qorvel::SetDecimalSymbol(TheRegistry(), ArgString(L, 1));
   return 0;
 }
 
-// Regional.Set{decimal=, thousand=, currency=}: what it names, all checked before any is set.
-// A decimal symbol alone takes the grouping symbol out of its way, as SetDecimal does.
+// Regional.Set{decimal=, thousand=, currency=}: what it names, all checked before any is set,
+// the decimal symbol as SetDecimal checks it. A decimal symbol alone takes the grouping symbol
+// out of its way, as SetDecimal does.
 int Set(lua_State* L) {
   ArgTable(L, 1);
   for (lua_pushnil(L); lua_next(L, 1) != 0; lua_pop(L, 1)) {
@@ -110,34 +112,43 @@ int Set(lua_State* L) {
       throw ArgError(1, "only the fields decimal, thousand and currency expected");
     }
   }
-  auto field = [L](const char* name, const char* what) -> std::optional<std::string> {
+  auto field = [L](const char* name) -> std::optional<std::string> {
     const int type = lua_getfield(L, 1, name);
     std::optional<std::string> text;
     if (type == LUA_TSTRING) {
       size_t size = 0;
       const char* data = lua_tolstring(L, -1, &size);
-      text = ArgSymbol(1, std::string(data, size), what);
+      text = std::string(data, size);
     } else if (type != LUA_TNIL) {
       throw ArgError(1, std::string("text expected in field '") + name + "'");
     }
     lua_pop(L, 1);
     return text;
   };
-  const auto decimal = field("decimal", "a decimal");
-  const auto thousand = field("thousand", "a grouping");
-  const auto currency = field("currency", "a currency");
-  if (thousand && *thousand == decimal.value_or(qorvel::CurrentNumberSymbols().decimal)) {
+  const auto decimal = field("decimal");
+  const auto thousand = field("thousand");
+  const auto currency = field("currency");
+  if (thousand) CheckSymbol(1, *thousand, "a grouping");
+  if (currency) CheckSymbol(1, *currency, "a currency");
+  const qorvel::NumberSymbols now = qorvel::CurrentNumberSymbols();
+  if (decimal) qorvel::CheckDecimalSymbol(*decimal, currency.value_or(now.currency));
+  if (thousand && *thousand == decimal.value_or(now.decimal)) {
     throw ArgError(1, "the grouping symbol must differ from the decimal symbol");
   }
+  if (currency && *currency == decimal.value_or(now.decimal)) {
+    throw ArgError(1, "the currency symbol must differ from the decimal symbol");
+  }
+  // The currency first, since the decimal symbol is checked against the one in force; the
+  // grouping symbol last, so one named here wins over the one the decimal symbol moved aside.
   qorvel::Registry& registry = TheRegistry();
+  if (currency) {
+    registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sCurrency",
+                       *currency);
+  }
   if (decimal) qorvel::SetDecimalSymbol(registry, *decimal);
   if (thousand) {
     registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sThousand",
                        *thousand);
-  }
-  if (currency) {
-    registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sCurrency",
-                       *currency);
   }
   return 0;
 }

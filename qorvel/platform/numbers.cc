@@ -10,6 +10,7 @@
 #include <locale>
 
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/error.h"
 #include "qorvel/platform/registry.h"
 
 namespace qorvel {
@@ -403,7 +404,28 @@ void SeedNumberSymbols(Registry& registry) {
   seed("sCurrency", locale.currency);
 }
 
+void CheckDecimalSymbol(std::string_view symbol, std::string_view currency) {
+  auto refuse = [symbol](const char* why) {
+    Raise(err::kInvalidCall, "\"" + std::string(symbol) + "\" can't be the decimal symbol: " + why);
+  };
+  if (symbol.empty()) refuse("it is empty");
+  for (const char c : symbol) {
+    if (IsDigit(c)) refuse("a digit in it would read as part of the number");
+    if (c == '+' || c == '-') refuse("a sign in it would read as the number's sign");
+    if (c == '(' || c == ')') refuse("parentheses mark a negative number");
+    if (c == '&') refuse("\"&\" starts a hex or octal number");
+    if (c == 'E' || c == 'e') refuse("\"E\" starts an exponent");
+    if (static_cast<unsigned char>(c) <= ' ' || c == '\x7F') {
+      refuse("blanks and control characters are skipped around a number or end it");
+    }
+  }
+  // "$5" would read as five, not as a half.
+  if (symbol == currency) refuse("it is the currency symbol");
+}
+
 void SetDecimalSymbol(Registry& registry, const std::string& symbol) {
+  CheckDecimalSymbol(
+      symbol, TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency"), "$"));
   const std::string thousand =
       TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",");
   if (thousand == symbol) {

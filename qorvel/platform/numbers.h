@@ -60,8 +60,14 @@ inline constexpr const char* kInternationalKey = "Control Panel\\International";
 class Registry;
 // Writes the process locale's symbols into the registry where it has none yet.
 void SeedNumberSymbols(Registry& registry);
-// Sets the user's decimal symbol (scripts and tests play a comma region with it). A grouping
-// symbol equal to it gives way to the other of point and comma, so the two never match.
+// Raises error 5 unless `symbol` can be the decimal symbol beside the currency symbol
+// `currency`: it must be some text with no digit, sign, parenthesis, "&", "E" or "e", blank or
+// control character in it, and not the currency symbol, since numbers with any of these would
+// be read otherwise than they were written.
+void CheckDecimalSymbol(std::string_view symbol, std::string_view currency);
+// Sets the user's decimal symbol (scripts and tests play a comma region with it), after
+// CheckDecimalSymbol against the currency symbol in `registry`; a refused one sets nothing. A
+// grouping symbol equal to it gives way to the other of point and comma, so the two never match.
 void SetDecimalSymbol(Registry& registry, const std::string& symbol);
 
 }  // namespace qorvel

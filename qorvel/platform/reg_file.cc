@@ -1,6 +1,13 @@
 #include "qorvel/platform/reg_file.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <system_error>
+#include <utility>
 
 #include "qorvel/platform/error.h"
 
@@ -113,7 +120,12 @@ std::vector<RegOp> Parser::Parse(std::string_view text) {
     }
     logical.clear();
   }
-  if (!header) Fail("empty file");
+  if (!header) {
+    Raise(err::kInvalidCall,
+          std::string(source_) + (text.empty() ? ": empty file"
+                                               : ": no \"REGEDIT4\" or \"Windows Registry Editor "
+                                                 "Version 5.00\" line"));
+  }
   return std::move(ops_);
 }
 
@@ -233,14 +245,135 @@ std::vector<uint8_t> Parser::CodePageText(const std::vector<uint8_t>& utf16) {
   return {text.begin(), text.end()};
 }
 
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+[[noreturn]] void Refuse(std::string_view source, const std::string& what) {
+  Raise(err::kInvalidCall, std::string(source) + ": " + what);
+}
+
+// The text a file's first bytes show when it is one the editor doesn't write: by its
+// byte-order mark, or, without one, by where the zero bytes of its first characters stand (a
+// registry file starts with plain ASCII).
+std::optional<std::string> ForeignEncoding(std::string_view head) {
+  using namespace std::string_view_literals;
+  // The UTF-32 little-endian mark starts like UTF-16's, so it comes first.
+  static constexpr std::pair<std::string_view, const char*> kMarks[] = {
+      {"\xFF\xFE\0\0"sv, "UTF-32 little-endian text (byte-order mark FF FE 00 00)"},
+      {"\0\0\xFE\xFF"sv, "UTF-32 big-endian text (byte-order mark 00 00 FE FF)"},
+      {"\xFE\xFF"sv, "UTF-16 big-endian text (byte-order mark FE FF)"},
+      {kUtf16Mark, nullptr},
+      {kUtf8Mark, nullptr},
+  };
+  for (const auto& [mark, text] : kMarks) {
+    if (head.starts_with(mark)) return text ? std::optional<std::string>(text) : std::nullopt;
+  }
+  if (head.size() < 4) return std::nullopt;
+  int zeros = 0;  // one bit per byte, the first byte highest
+  for (int i = 0; i < 4; ++i) zeros = zeros << 1 | (head[i] == '\0');
+  switch (zeros) {
+    case 0b0111:
+      return "UTF-32 little-endian text without a byte-order mark (three zero bytes after each "
+             "character)";
+    case 0b1110:
+      return "UTF-32 big-endian text without a byte-order mark (three zero bytes before each "
+             "character)";
+    case 0b0101:
+      return "UTF-16 little-endian text without a byte-order mark (zero bytes at odd offsets)";
+    case 0b1010:
+      return "UTF-16 big-endian text without a byte-order mark (zero bytes at even offsets)";
+  }
+  return std::nullopt;
+}
+
+// Refuses bytes that can't be the text of a registry file: text in a foreign encoding, or a
+// zero byte where text has none (binary data). Works on the first bytes of a file as well as on
+// all of them, so a reader can stop early.
+void CheckEncoding(std::string_view bytes, std::string_view source) {
+  if (const auto foreign = ForeignEncoding(bytes)) {
+    Refuse(source, *foreign +
+                       "; a registry file is UTF-8, or UTF-16 little-endian with its byte-order "
+                       "mark FF FE");
+  }
+  if (bytes.starts_with(kUtf16Mark)) {
+    for (size_t i = kUtf16Mark.size(); i + 1 < bytes.size(); i += 2) {
+      if (bytes[i] == '\0' && bytes[i + 1] == '\0') {
+        Refuse(source, "a zero character at offset " + std::to_string(i) +
+                           ", which no text holds: binary data?");
+      }
+    }
+  } else if (const size_t zero = bytes.find('\0'); zero != std::string_view::npos) {
+    Refuse(source,
+           "a zero byte at offset " + std::to_string(zero) + ", which no text holds: binary data?");
+  }
+}
+
+std::string SizeText(size_t bytes) {
+  constexpr size_t kMiB = size_t{1} << 20;
+  if (bytes >= kMiB && bytes % kMiB == 0) return std::to_string(bytes / kMiB) + " MiB";
+  return std::to_string(bytes) + " bytes";
+}
+
+[[noreturn]] void TooLarge(const std::string& path, size_t limit) {
+  Refuse(path, "more than " + SizeText(limit) + ", far more than a registry file holds");
+}
+
+[[noreturn]] void CantRead(const std::string& path, int error) {
+  Refuse(path,
+         "can't be read" + (error != 0 ? " (" + std::generic_category().message(error) + ")" : ""));
+}
+
 }  // namespace
 
+std::string ReadRegFile(const std::string& path, size_t limit) {
+  namespace fs = std::filesystem;
+  std::error_code ec;
+  const fs::file_status status = fs::status(path, ec);
+  if (status.type() == fs::file_type::not_found) {
+    Raise(err::kFileNotFound, path + ": file not found");
+  }
+  if (fs::is_directory(status)) Refuse(path, "a directory, not a registry file");
+  // A regular file tells its size, so one too large is refused unread; devices and pipes tell
+  // none and are cut off as they are read.
+  if (fs::is_regular_file(status) && fs::file_size(path, ec) > limit && !ec) {
+    TooLarge(path, limit);
+  }
+  errno = 0;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) CantRead(path, errno);
+  // In chunks, so a stream stops at the cap, or sooner once its first bytes show it holds no
+  // registry text, having taken no more memory than it gave; they are joined once it has ended.
+  constexpr size_t kChunk = 64 * 1024;
+  std::vector<std::string> chunks;
+  size_t total = 0;
+  while (file) {
+    // One byte past the limit tells a file of exactly the limit from a larger one.
+    std::string chunk(std::min(kChunk - 1, limit - total) + 1, '\0');
+    file.read(chunk.data(), std::streamsize(chunk.size()));
+    chunk.resize(size_t(file.gcount()));
+    total += chunk.size();
+    if (chunks.empty()) CheckEncoding(chunk, path);
+    if (total > limit) TooLarge(path, limit);
+    chunks.push_back(std::move(chunk));
+  }
+  if (file.bad()) CantRead(path, errno);
+  std::string bytes;
+  bytes.reserve(total);
+  for (std::string& chunk : chunks) bytes += std::exchange(chunk, {});
+  return bytes;
+}
+
 std::vector<RegOp> ParseRegText(std::string_view bytes, std::string_view source_name) {
+  CheckEncoding(bytes, source_name);
   std::string text;
-  if (bytes.starts_with("\xFF\xFE")) {
+  if (bytes.starts_with(kUtf16Mark)) {
+    if (bytes.size() % 2 != 0) {
+      Refuse(source_name,
+             "UTF-16 text cut off in the middle of a character (an odd number of bytes)");
+    }
     text = Utf16ToUtf8(bytes.substr(2));
-  } else if (bytes.starts_with("\xEF\xBB\xBF")) {
-    text = bytes.substr(3);
+  } else if (bytes.starts_with(kUtf8Mark)) {
+    text = bytes.substr(kUtf8Mark.size());
   } else {
     text = bytes;
   }

@@ -1,6 +1,7 @@
 #ifndef QORVEL_PLATFORM_REG_FILE_H_
 #define QORVEL_PLATFORM_REG_FILE_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,8 +12,14 @@ namespace qorvel {
 
 // Reads a whole .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00"; UTF-8, or
 // UTF-16LE with its byte-order mark) into the changes it asks for. A malformed file raises
-// error 5 naming the source and the line, so nothing of it is applied.
+// error 5 naming the source and the line, so nothing of it is applied; text in another encoding
+// (UTF-16 big-endian or without its mark, UTF-32) or binary data raises error 5 that says so.
 std::vector<RegOp> ParseRegText(std::string_view bytes, std::string_view source_name);
+
+// The bytes of the .reg file at `path`: error 53 when there is none, and error 5 naming the
+// file for a directory, a file that can't be read, one of more than `limit` bytes, or one whose
+// first bytes show it holds no registry text. Reading stops as soon as that is clear.
+std::string ReadRegFile(const std::string& path, size_t limit = kMaxRegFileBytes);
 
 }  // namespace qorvel
 

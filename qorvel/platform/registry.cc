@@ -1,8 +1,5 @@
 #include "qorvel/platform/registry.h"
 
-#include <fstream>
-#include <sstream>
-
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/reg_file.h"
 #include "qorvel/platform/text.h"
@@ -39,12 +36,8 @@ void Registry::SetDword(HKEY root, std::string_view key, std::string_view name, 
            RegValue{REG_DWORD, {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}});
 }
 
-void Registry::LoadRegFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) Raise(err::kFileNotFound, path + ": file not found");
-  std::stringstream bytes;
-  bytes << file.rdbuf();
-  LoadRegText(bytes.str(), path);
+void Registry::LoadRegFile(const std::string& path, size_t max_bytes) {
+  LoadRegText(ReadRegFile(path, max_bytes), path);
 }
 
 // The whole file is read before anything is applied, so a malformed one changes nothing.

@@ -1,6 +1,7 @@
 #ifndef QORVEL_PLATFORM_REGISTRY_H_
 #define QORVEL_PLATFORM_REGISTRY_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -35,6 +36,10 @@ struct RegValue {
   std::vector<uint8_t> data;  // the bytes as stored; text types hold their terminating zero
   bool operator==(const RegValue&) const = default;
 };
+
+// The most a .reg file may hold. The editor's own files are far smaller; the cap keeps a device
+// or a pipe that never ends from filling memory.
+inline constexpr size_t kMaxRegFileBytes = size_t{256} << 20;
 
 // One change a .reg file asks for.
 struct RegOp {
@@ -82,9 +87,11 @@ class Registry {
   void SetDword(HKEY root, std::string_view key, std::string_view name, uint32_t value);
 
   // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
-  // with its byte-order mark). A malformed file raises error 5 whose description names the
-  // source and the line, and nothing of it is applied.
-  void LoadRegFile(const std::string& path);
+  // with its byte-order mark). A missing file raises error 53. Anything else that isn't such a
+  // file raises error 5 whose description names the source and says what is wrong: the line of
+  // a malformed one, the encoding of text in another, a directory, a file of more than
+  // `max_bytes`, one that can't be read. Nothing of a refused file is applied.
+  void LoadRegFile(const std::string& path, size_t max_bytes = kMaxRegFileBytes);
   void LoadRegText(std::string_view bytes, std::string_view source_name);
 };
 
