@@ -102,32 +102,6 @@ TEST_F(SimTarvikTest, NumbersFollowTheRegionalSettings) {
   EXPECT_EQ(Ask("SIZE MODEL").substr(0, 21), "Minimum: X -1,500 Y 0");
 }
 
-TEST_F(SimTarvikTest, ResetPutsTheUnlockedLimitsAroundTheModel) {
-  LoadModel();
-  // What ResizeBlock sends with ZMIN locked and an offset of 5.
-  for (const char* c :
-       {"EDIT BLOCKTYPE LIMITS", "EDIT BLOCK LIMITTYPE MODEL", "EDIT BLOCK ALL UNLOCK",
-        "EDIT BLOCK XMIN UNLOCK", "EDIT BLOCK XMAX UNLOCK", "EDIT BLOCK YMIN UNLOCK",
-        "EDIT BLOCK YMAX UNLOCK", "EDIT BLOCK ZMIN LOCK", "EDIT BLOCK ZMAX UNLOCK",
-        "EDIT BLOCK RESETLIMIT 5.", "EDIT BLOCK RESET", "EDIT BLOCK ALL UNLOCK"}) {
-    Send(c);
-  }
-  // The first reset makes the block, so the lock has nothing to keep yet.
-  EXPECT_EQ(Ask("SIZE BLOCK"),
-            "Information: Xmin: -55.000 Xmax: 55.000\r\nYmin: -30.000 Ymax: 30.000\r\n"
-            "Zmin: -5.000 Zmax: 35.000\r\n");
-  Send("edit block zmin lock");
-  Send("edit block xmax lock");
-  Send("EDIT BLOCK RESETLIMIT -1");
-  Send("EDIT BLOCK RESET");
-  const SimTarvik::Block block = tarvik_->block();
-  EXPECT_EQ(block.limits, (std::array<double, 6>{-49, 55, -24, 24, -5, 29}));
-  EXPECT_EQ(block.locked, (std::array<bool, 6>{false, true, false, false, true, false}));
-  EXPECT_EQ(block.reset_offset, -1);
-  EXPECT_EQ(block.type, "LIMITS");
-  EXPECT_EQ(block.limit_type, "MODEL");
-}
-
 TEST_F(SimTarvikTest, UnitsAndDialogSettingsAreFormValues) {
   EXPECT_EQ(Ask("PRINT FORMVALUE INFOBAR.UNITS"), "MM\r\n");
   Send("EDIT UNITS INCHES");

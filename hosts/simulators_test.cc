@@ -59,34 +59,6 @@ TEST_F(SimulatorsTest, LauncherStartsANewSimulatorWithTheDelayInForce) {
   EXPECT_EQ(StartedHosts().size(), 3u);
 }
 
-TEST_F(SimulatorsTest, ClassServerGivesAFreshUnregisteredInstanceEachTime) {
-  InstallSimulatedHosts();
-  auto running_host = RunTarvik();
-  running_host->LoadModel({0, 0, 0, 1, 1, 1}, 3);
-  AutomationObject a = running().CreateNew("Tarvik.Document");
-  AutomationObject b = running().CreateNew("tarvik.document");
-  EXPECT_NE(a, b);
-  EXPECT_NE(a, running_host);
-  EXPECT_EQ(running().BindRunning("Tarvik.Document"), running_host);
-  auto sim_a = std::dynamic_pointer_cast<SimTarvik>(a);
-  ASSERT_NE(sim_a, nullptr);
-  EXPECT_FALSE(sim_a->model().has_value());
-  EXPECT_EQ(LastTarvik(), b);
-  EXPECT_EQ(StartedHosts().size(), 3u);
-  EXPECT_NE(std::dynamic_pointer_cast<SimZebrin>(running().CreateNew("Zebrin.Document")), nullptr);
-}
-
-TEST_F(SimulatorsTest, AFreshEnvironmentStartsWithNoSimulators) {
-  RunZebrin();
-  {
-    ScopedEnv inner;
-    EXPECT_TRUE(StartedHosts().empty());
-    EXPECT_EQ(LastZebrin(), nullptr);
-    EXPECT_EQ(ErrorOf([&] { running().BindRunning("Zebrin.Document"); }), err::kCantCreate);
-  }
-  EXPECT_EQ(StartedHosts().size(), 1u);
-}
-
 TEST_F(SimulatorsTest, DefaultRegFileInstallsBothProgramsAndIsTheOneBuiltIn) {
   std::ifstream file(QORVEL_SOURCE_DIR "/hosts/simulated_hosts.reg", std::ios::binary);
   std::stringstream text;
