@@ -1,0 +1,76 @@
+#ifndef HOSTS_SIM_ULMORA_H_
+#define HOSTS_SIM_ULMORA_H_
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "hosts/sim_host.h"
+
+namespace qorvel::hosts {
+
+// The simulated modelling host ("Ulmora.Application"): a model of named entities, a selection,
+// and the lists of entities the last commands created and updated. Beside the session members
+// of every simulated host it answers Evaluate(expression), exec(batch) and Print(id). Its
+// command line is case-insensitive; a command it doesn't know, or one that names nothing it
+// holds, raises kCommandRejected with the reason, as Execute does. The control can't start it:
+// scripts and tests run it and it registers itself as running.
+class SimUlmora : public SimHost {
+ public:
+  static constexpr int32_t kDefaultVersion = 2700;
+
+  // An entity: its name, its type text as the host gives it ("Surface", "Solid", "Arc", "Line",
+  // "Curve", "Composite Curve", "Point", "Workplane", or any other text, which passes through
+  // unchanged), and its properties: each a number, a text or a vector of numbers (a point's
+  // position, a curve's control points).
+  struct Entity {
+    std::string name;
+    std::string type;
+    std::map<std::string, Variant> properties;  // by upper-cased property name
+  };
+
+  SimUlmora();
+
+  // The model. Adding a name that is there already (in any case) replaces the entity.
+  void AddEntity(Entity entity);
+  std::vector<Entity> entities() const;
+  std::optional<Entity> entity(const std::string& name) const;
+
+  // The three lists, in the host's index order, by entity name.
+  void Select(std::vector<std::string> names);  // replaces the selection
+  void MarkCreated(std::vector<std::string> names);
+  void MarkUpdated(std::vector<std::string> names);
+  std::vector<std::string> selection() const;
+  std::vector<std::string> created() const;
+  std::vector<std::string> updated() const;
+
+  // How the host answers "<LIST>.NUMBER": as a number (the default) or as numeric text
+  // ("3"), as some versions do.
+  void set_counts_as_text(bool as_text);
+
+  // "DIALOG ON" and "DIALOG OFF" switch this.
+  bool dialogs() const;
+  // The batches exec received, whole, in order.
+  std::vector<std::string> batches() const;
+
+ protected:
+  std::string RunCommand(const std::string& command) override;
+  Variant OtherMember(std::string_view member, CallKind kind, std::span<Variant> args) override;
+  MemberShape OtherShape(std::string_view upper_member) const override;
+
+ private:
+  Variant Evaluate(const std::string& expression) const;
+  Variant Print(const std::string& id) const;
+  void Exec(const std::string& batch);
+
+  std::vector<Entity> entities_;
+  std::vector<std::string> selection_, created_, updated_;
+  bool counts_as_text_ = false;
+  bool dialogs_ = true;
+  std::vector<std::string> batches_;
+};
+
+}  // namespace qorvel::hosts
+
+#endif  // HOSTS_SIM_ULMORA_H_
