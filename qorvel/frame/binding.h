@@ -51,7 +51,7 @@ T ValueOf(const Variant& v) {
   } else if constexpr (std::is_same_v<T, AutomationObject>) {
     return v.ToObject();
   } else if constexpr (std::is_same_v<T, SafeArray>) {
-    return v.ToArray();
+    return v.is_empty() ? SafeArray() : v.ToArray();  // Empty: an array not yet dimensioned
   } else {
     static_assert(std::is_same_v<T, Variant>, "no automation type for this parameter");
     return v;
@@ -78,29 +78,40 @@ struct MemberTraits<R (C::*)(A...)> {
     return {{kAutomationTypeOf<std::decay_t<A>>...}, kAutomationTypeOf<R>};
   }
 };
+template <class C, class R, class... A>
+struct MemberTraits<R (C::*)(A...) const> : MemberTraits<R (C::*)(A...)> {};
 
 // Runs member M of `object` with the prepared arguments, one per parameter: each is read as its
-// C++ type, and what the member leaves in a by-reference parameter goes back into its argument.
+// C++ type, and what the member leaves in a by-reference parameter goes back into its argument,
+// also when the member fails part way, as a variable passed by reference would hold it.
 template <auto M, class Object>
 Variant RunMember(Object& object, std::span<Variant> args) {
   using Traits = MemberTraits<decltype(M)>;
   return [&]<size_t... I>(std::index_sequence<I...>) {
     std::tuple<std::decay_t<std::tuple_element_t<I, typename Traits::Params>>...> values{
         ValueOf<std::decay_t<std::tuple_element_t<I, typename Traits::Params>>>(args[I])...};
-    Variant result;
-    if constexpr (std::is_void_v<typename Traits::Result>) {
-      (object.*M)(std::get<I>(values)...);
-    } else {
-      result = Variant((object.*M)(std::get<I>(values)...));
-    }
-    [[maybe_unused]] const auto write_back = [&]<size_t J>() {
-      using Param = std::tuple_element_t<J, typename Traits::Params>;
-      if constexpr (std::is_lvalue_reference_v<Param> &&
-                    !std::is_const_v<std::remove_reference_t<Param>>) {
-        args[J] = Variant(std::get<J>(values));
-      }
+    const auto write_back = [&] {
+      [[maybe_unused]] const auto one = [&]<size_t J>() {
+        using Param = std::tuple_element_t<J, typename Traits::Params>;
+        if constexpr (std::is_lvalue_reference_v<Param> &&
+                      !std::is_const_v<std::remove_reference_t<Param>>) {
+          args[J] = Variant(std::get<J>(values));
+        }
+      };
+      (one.template operator()<I>(), ...);
     };
-    (write_back.template operator()<I>(), ...);
+    Variant result;
+    try {
+      if constexpr (std::is_void_v<typename Traits::Result>) {
+        (object.*M)(std::get<I>(values)...);
+      } else {
+        result = Variant((object.*M)(std::get<I>(values)...));
+      }
+    } catch (...) {
+      write_back();
+      throw;
+    }
+    write_back();
     return result;
   }
   (std::make_index_sequence<std::tuple_size_v<typename Traits::Params>>{});

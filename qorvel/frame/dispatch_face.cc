@@ -1,6 +1,7 @@
 #include "qorvel/frame/dispatch_face.h"
 
 #include <atomic>
+#include <optional>
 
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/error.h"
@@ -105,12 +106,33 @@ Variant ClassObject::InvokeById(int32_t dispid, CallKind kind, std::span<Variant
     const MemberInfo* member = Find(dispid, kind);
     if (member == nullptr || !IsBound(*member)) Raise(err::kNoMember);
     std::vector<Variant> prepared = Prepare(*member, args);
-    Variant result = Run(static_cast<size_t>(member - interface_info().members.data()), prepared);
-    for (size_t i = 0; i < args.size(); ++i) {
-      if (member->params[i].by_ref && args[i].is_ref()) args[i].Assign(prepared[i]);
+    const size_t slot = static_cast<size_t>(member - interface_info().members.data());
+    Variant result;
+    try {
+      result = Run(slot, prepared);
+    } catch (...) {
+      HoldBack([&] { WriteBack(*member, args, prepared); });  // the member's own error wins
+      throw;
     }
+    WriteBack(*member, args, prepared);
     return result;
   });
+}
+
+// Every by-reference argument gets its final value; one that can't take it (a fixed or locked
+// array of other bounds) doesn't keep the others from theirs, and its error comes last.
+void ClassObject::WriteBack(const MemberInfo& member, std::span<Variant> args,
+                            std::span<const Variant> prepared) {
+  std::optional<Error> refused;
+  for (size_t i = 0; i < args.size(); ++i) {
+    if (!member.params[i].by_ref || !args[i].is_ref()) continue;
+    try {
+      args[i].Assign(prepared[i]);
+    } catch (const Error& e) {
+      if (!refused) refused = e;
+    }
+  }
+  if (refused) Raise(refused->number(), refused->description());
 }
 
 int32_t ClassObject::Advise(AutomationObject sink) {

@@ -56,6 +56,8 @@ class ClassObject : public Dispatch {
 
   const MemberInfo* Find(int32_t dispid, CallKind kind) const;
   std::vector<Variant> Prepare(const MemberInfo& member, std::span<Variant> args) const;
+  static void WriteBack(const MemberInfo& member, std::span<Variant> args,
+                        std::span<const Variant> prepared);
 
   const BoundInterface& bound_;
   const InterfaceInfo* events_;

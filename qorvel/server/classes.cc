@@ -2,6 +2,7 @@
 
 #include "qorvel/frame/control.h"
 #include "qorvel/machining/tarvik3_face.h"
+#include "qorvel/modelling/ulmora27_face.h"
 #include "qorvel/platform/text.h"
 #include "qorvel/session/zebrin_face.h"
 
@@ -17,6 +18,7 @@ struct LibraryClass {
 constexpr LibraryClass kClasses[] = {
     {"Zebrin", &NewControl<Zebrin>},
     {"Tarvik3", &NewControl<Tarvik3>},
+    {"Ulmora27", &NewControl<Ulmora27>},
 };
 
 }  // namespace
