@@ -56,6 +56,8 @@ class SimHostTest : public ::testing::Test {
 // Scripted replies stand in on both members and go with the faults.
 TEST_F(SimHostTest, FaultsRaiseTheirErrorsUntilCleared) {
   zebrin_->ScriptReply("   ", "blank is fine here");
+  zebrin_->ScriptReply("echo X", "scripted");
+  EXPECT_EQ(ExecuteEx(host_, "ECHO x"), "scripted");
   EXPECT_NO_THROW(Execute(host_, "   "));
   zebrin_->FailCommand("ADVANCEDOPTS WINDOWS INFORMATION ON", 1234, "refused");
   EXPECT_EQ(Raised([&] { Execute(host_, "advancedopts windows information on"); }),
