@@ -42,28 +42,22 @@ class SimTarvikTest : public ::testing::Test {
     }
     return "";
   }
-  void LoadModel() { tarvik_->LoadModel({-50, -25, 0, 50, 25, 30}, 12); }
 
   ScopedEnv env_;
   std::shared_ptr<SimTarvik> tarvik_;
   AutomationObject host_;
 };
 
-TEST_F(SimTarvikTest, SizeRepliesHaveTheShapesTheControlReads) {
-  EXPECT_EQ(Ask("SIZE COMPONENTS"), "Components: 0\r\n");
-  EXPECT_EQ(Ask("SIZE BLOCK"), "");
-  EXPECT_EQ(Rejection("SIZE MODEL"), "No model loaded");
-  LoadModel();
+// Sizes of models and toolpaths, units and dialog settings reach these tests through the
+// control's members; what follows is what no control shows.
+TEST_F(SimTarvikTest, PatternsWorkplanesAndEntityLists) {
   tarvik_->AddToolpath("Rough 1", {-40, -20, 1, 40, 20, 29});
+  tarvik_->AddToolpath("Finish 2", {0, 0, 0, 1, 1, 1});
   tarvik_->AddPattern("Holes", {0, 0, 5, 80, 40, 5});
   tarvik_->AddWorkplane("Top", {10, 20, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
+  tarvik_->SetActive(EntityKind::kToolpath, "finish 2");
+  // clang-format off
   const std::pair<const char*, const char*> cases[] = {
-      {"SIZE COMPONENTS", "Components: 12\r\n"},
-      {"size model",
-       "Minimum: X -50.000 Y -25.000 Z 0.000\r\nMaximum: X 50.000 Y 25.000 Z 30.000\r\n"
-       "Components: 12\r\n"},
-      {"SIZE TOOLPATH \"Rough 1\"",
-       "Minimum: X -40.000 Y -20.000 Z 1.000\r\nMaximum: X 40.000 Y 20.000 Z 29.000\r\n"},
       {"SIZE TOOLPATH rough 1",
        "Minimum: X -40.000 Y -20.000 Z 1.000\r\nMaximum: X 40.000 Y 20.000 Z 29.000\r\n"},
       {"SIZE PATTERN \"Holes\"",
@@ -71,13 +65,22 @@ TEST_F(SimTarvikTest, SizeRepliesHaveTheShapesTheControlReads) {
       {"SIZE WORKPLANE \"Top\"",
        "Position: X 10.000 Y 20.000 Z 0.000\r\nVector: X 1.000 Y 0.000 Z 0.000\r\n"
        "Vector: X 0.000 Y 1.000 Z 0.000\r\nVector: X 0.000 Y 0.000 Z 1.000\r\n"},
-  };
+      {"print entity toolpath", "2 toolpaths\r\n'Rough 1'\r\n*'Finish 2'\r\n"},
+      {"PRINT ENTITY PATTERN", "1 patterns\r\n'Holes'\r\n"},
+      {"print formvalue infobar.units", "MM\r\n"},
+      {"PRINT FORMVALUE ROUGHMENUBAR.VIEW.DIALOGS.ERROR", "TRUE\r\n"}};
+  // clang-format on
   for (const auto& [command, reply] : cases) EXPECT_EQ(Ask(command), reply) << command;
+  Send("ACTIVATE TOOLPATH \"Rough 1\"");
+  EXPECT_EQ(tarvik_->active(EntityKind::kToolpath), "Rough 1");
 }
 
-TEST_F(SimTarvikTest, SizeOfWhatIsNotThereIsRejected) {
+TEST_F(SimTarvikTest, WhatItDoesntKnowIsRejectedWithTheReason) {
+  EXPECT_EQ(Ask("SIZE BLOCK"), "");
   tarvik_->AddToolpath("Rough 1", {0, 0, 0, 1, 1, 1});
+  // clang-format off
   const std::pair<const char*, const char*> cases[] = {
+      {"SIZE MODEL", "No model loaded"},
       {"SIZE TOOLPATH \"Nope\"", "Toolpath not found: Nope"},
       {"SIZE TOOLPATH \"\"Rough 1\"\"", "Toolpath not found: \"Rough 1\""},
       {"SIZE TOOLPATH ;", "Toolpath not found: ;"},
@@ -86,7 +89,13 @@ TEST_F(SimTarvikTest, SizeOfWhatIsNotThereIsRejected) {
       {"SIZE TOOLPATHS \"Rough 1\"", "Unknown command: SIZE TOOLPATHS \"Rough 1\""},
       {"SIZE", "Unknown command: SIZE"},
       {"SIZE BLOCK NOW", "Unknown command: SIZE BLOCK NOW"},
-  };
+      {"EDIT UNITS FEET", "Unknown units: FEET"},
+      {"DIALOGS MESSAGE MAYBE", "DIALOGS takes MESSAGE or ERROR, then ON or OFF"},
+      {"DIALOGS WARNING ON", "DIALOGS takes MESSAGE or ERROR, then ON or OFF"},
+      {"PRINT FORMVALUE INFOBAR.SPEED", "Unknown form value: INFOBAR.SPEED"},
+      {"PRINT ENTITY SPOONS", "Unknown entity type: SPOONS"},
+      {"ACTIVATE PATTERN Nope", "Pattern not found: Nope"}};
+  // clang-format on
   for (const auto& [command, why] : cases) EXPECT_EQ(Rejection(command), why) << command;
 }
 
@@ -100,51 +109,6 @@ TEST_F(SimTarvikTest, NumbersFollowTheRegionalSettings) {
             "Information: Xmin: -2,000 Xmax: 2,750\r\nYmin: -0,500 Ymax: 1,500\r\n"
             "Zmin: -0,500 Zmax: 1,500\r\n");
   EXPECT_EQ(Ask("SIZE MODEL").substr(0, 21), "Minimum: X -1,500 Y 0");
-}
-
-TEST_F(SimTarvikTest, UnitsAndDialogSettingsAreFormValues) {
-  EXPECT_EQ(Ask("PRINT FORMVALUE INFOBAR.UNITS"), "MM\r\n");
-  Send("EDIT UNITS INCHES");
-  EXPECT_EQ(Ask("print formvalue infobar.units"), "INCHES\r\n");
-  Send("edit units mm");
-  EXPECT_EQ(tarvik_->units(), "MM");
-  EXPECT_EQ(Rejection("EDIT UNITS FEET"), "Unknown units: FEET");
-
-  const char* message = "print formvalue roughmenubar.view.dialogs.message";
-  EXPECT_EQ(Ask(message), "TRUE\r\n");
-  Send("dialogs message off");
-  EXPECT_EQ(Ask(message), "FALSE\r\n");
-  EXPECT_TRUE(tarvik_->error_dialogs());
-  Send("DIALOGS ERROR OFF");
-  EXPECT_FALSE(tarvik_->error_dialogs());
-  EXPECT_EQ(Ask("PRINT FORMVALUE ROUGHMENUBAR.VIEW.DIALOGS.ERROR"), "FALSE\r\n");
-  Send("DIALOGS MESSAGE ON");
-  EXPECT_TRUE(tarvik_->message_dialogs());
-  EXPECT_EQ(Rejection("DIALOGS MESSAGE MAYBE"), "DIALOGS takes MESSAGE or ERROR, then ON or OFF");
-  EXPECT_EQ(Rejection("DIALOGS WARNING ON"), "DIALOGS takes MESSAGE or ERROR, then ON or OFF");
-  EXPECT_EQ(Rejection("PRINT FORMVALUE INFOBAR.SPEED"), "Unknown form value: INFOBAR.SPEED");
-}
-
-TEST_F(SimTarvikTest, EntityListsMarkTheActiveOne) {
-  tarvik_->AddToolpath("Rough 1", {0, 0, 0, 1, 1, 1});
-  tarvik_->AddToolpath("Finish 2", {0, 0, 0, 1, 1, 1});
-  tarvik_->AddToolpath("Rest 3", {0, 0, 0, 1, 1, 1});
-  EXPECT_EQ(Ask("PRINT ENTITY TOOLPATHS"),
-            "3 toolpaths\r\n'Rough 1'\r\n'Finish 2'\r\n'Rest 3'\r\n");
-  tarvik_->SetActive(EntityKind::kToolpath, "finish 2");
-  EXPECT_EQ(Ask("print entity toolpath"),
-            "3 toolpaths\r\n'Rough 1'\r\n*'Finish 2'\r\n'Rest 3'\r\n");
-  Send("ACTIVATE TOOLPATH \"Rest 3\"");
-  EXPECT_EQ(tarvik_->active(EntityKind::kToolpath), "Rest 3");
-  tarvik_->SetActive(EntityKind::kToolpath, "");
-  EXPECT_EQ(Ask("PRINT ENTITY TOOLPATHS").find('*'), std::string::npos);
-
-  EXPECT_EQ(Ask("PRINT ENTITY PATTERN"), "0 patterns\r\n");
-  tarvik_->AddWorkplane("World", {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1});
-  tarvik_->SetActive(EntityKind::kWorkplane, "World");
-  EXPECT_EQ(Ask("PRINT ENTITY WORKPLANE"), "1 workplanes\r\n*'World'\r\n");
-  EXPECT_EQ(Rejection("PRINT ENTITY SPOONS"), "Unknown entity type: SPOONS");
-  EXPECT_EQ(Rejection("ACTIVATE PATTERN Nope"), "Pattern not found: Nope");
 }
 
 }  // namespace

@@ -66,6 +66,8 @@ TEST_F(Tarvik3Test, VersionGateInModesZeroAndOne) {
       }
     }
   }
+  host->set_version(70000);  // beyond 16 bits: overflow, to the client
+  EXPECT_EQ(ErrorOf([&] { control_.version(); }), 6);
   host->set_version(2521);
   control_.Execute("EDIT UNITS INCHES");  // still reaches the refused host
   EXPECT_EQ(host->units(), "INCHES");
@@ -98,14 +100,6 @@ TEST_F(Tarvik3Test, ModeTwoCreatesAndRefusesOldHostsByEmptyingTheLink) {
   EXPECT_TRUE(Link().empty());
 }
 
-TEST_F(Tarvik3Test, VersionBeyondSixteenBitsOverflowsToTheClient) {
-  auto host = Connected();
-  host->set_version(70000);
-  EXPECT_EQ(ErrorOf([&] { control_.version(); }), 6);
-  host->set_version(2600);
-  EXPECT_EQ(control_.version(), 2600);
-}
-
 TEST_F(Tarvik3Test, DialogsWriteAndRead) {
   auto host = Connected();
   control_.SetDialogs(VariantBool::kFalse);
@@ -133,35 +127,23 @@ TEST_F(Tarvik3Test, VisibleWriteOnlyWhileConnected) {
 
 TEST_F(Tarvik3Test, ResizeBlockSendsTwelveCommandsBehindItsProbe) {
   auto host = Connected();
+  control_.ResizeBlock(-1.5);  // no model: no EDIT command
+  for (const std::string& c : Sent(*host)) EXPECT_EQ(c.find("EDIT"), std::string::npos) << c;
   host->LoadModel({-50, -25, 0, 50, 25, 30}, 12);
+  host->ClearLog();
   control_.ResizeBlock(5, VariantBool::kFalse, VariantBool::kTrue, MakeVariantBool(1),
                        VariantBool::kFalse, VariantBool::kTrue);
   EXPECT_EQ(host->log().size(), 18u);
-  const std::vector<std::string> sent = Sent(*host);
-  const std::vector<std::string> expected = {"print formvalue roughmenubar.view.dialogs.message",
-                                             "dialogs message off",
-                                             "SIZE COMPONENTS",
-                                             "dialogs message on",
-                                             "EDIT BLOCKTYPE LIMITS",
-                                             "EDIT BLOCK LIMITTYPE MODEL",
-                                             "EDIT BLOCK ALL UNLOCK",
-                                             "EDIT BLOCK XMIN UNLOCK",
-                                             "EDIT BLOCK XMAX LOCK",
-                                             "EDIT BLOCK YMIN UNLOCK",
-                                             "EDIT BLOCK YMAX UNLOCK",
-                                             "EDIT BLOCK ZMIN LOCK",
-                                             "EDIT BLOCK ZMAX UNLOCK",
-                                             "EDIT BLOCK RESETLIMIT 5.",
-                                             "EDIT BLOCK RESET",
-                                             "EDIT BLOCK ALL UNLOCK"};
-  EXPECT_EQ(sent, expected);
+  // clang-format off
+  EXPECT_EQ(Sent(*host), (std::vector<std::string>{
+      "print formvalue roughmenubar.view.dialogs.message", "dialogs message off",
+      "SIZE COMPONENTS", "dialogs message on", "EDIT BLOCKTYPE LIMITS",
+      "EDIT BLOCK LIMITTYPE MODEL", "EDIT BLOCK ALL UNLOCK", "EDIT BLOCK XMIN UNLOCK",
+      "EDIT BLOCK XMAX LOCK", "EDIT BLOCK YMIN UNLOCK", "EDIT BLOCK YMAX UNLOCK",
+      "EDIT BLOCK ZMIN LOCK", "EDIT BLOCK ZMAX UNLOCK", "EDIT BLOCK RESETLIMIT 5.",
+      "EDIT BLOCK RESET", "EDIT BLOCK ALL UNLOCK"}));
+  // clang-format on
   EXPECT_EQ(host->block().limits[0], -55);
-}
-
-TEST_F(Tarvik3Test, ResizeBlockWithNoModelSendsNoCommand) {
-  auto host = Connected();
-  control_.ResizeBlock(-1.5);
-  for (const std::string& c : Sent(*host)) EXPECT_EQ(c.find("EDIT"), std::string::npos) << c;
 }
 
 TEST_F(Tarvik3Test, SetBlockCommandsAndNumberFormats) {
@@ -183,6 +165,7 @@ TEST_F(Tarvik3Test, SetBlockCommandsAndNumberFormats) {
 // Every argument given: diameter 6, length 50, tip 1, angle 118, chamfer 2, offsets -1 and 0.5,
 // number 0, name "Big one". Each type sends what it takes between the length and the number.
 TEST_F(Tarvik3Test, DefineToolSendsTheCommandsTheTypeAllows) {
+  // clang-format off
   const std::vector<std::vector<std::string>> by_type = {
       {"EDIT TOOLTYPE ENDMILL"},
       {"EDIT TOOLTYPE BALLNOSED"},
@@ -194,8 +177,8 @@ TEST_F(Tarvik3Test, DefineToolSendsTheCommandsTheTypeAllows) {
       {"EDIT TOOLTYPE OFFCENTRETIPRAD", "EDIT TIPRADIUS 1.", "EDIT TIPRADIUSX -1.",
        "EDIT TIPRADIUSY 0.5"},
       {"EDIT TOOLTYPE DRILL", "EDIT TAPERANGLE 118."},
-      {},  // 8 is no type
-  };
+      {}};  // 8 is no type
+  // clang-format on
   auto host = Connected();
   for (int32_t type = 0; type < int32_t(by_type.size()); ++type) {
     host->ClearLog();
@@ -275,26 +258,32 @@ TEST_F(Tarvik3Test, ModelCacheSurvivesDisconnect) {
 }
 
 TEST_F(Tarvik3Test, ListsFollowTheReplyLines) {
-  auto host = Connected();
+  auto host = hosts::RunTarvik();
+  Link().ConnectToRunning();  // bound, never probed: the list empties and nothing is sent
   AutomationObject list = NewCollection();
   Call(list, "Add", "left over");
   int32_t active = 99;
+  control_.GetToolpathList(list, active);
+  EXPECT_EQ(GetMember(list, "Count").ToLong(), 0);
+  EXPECT_EQ(active, 0);
+  EXPECT_TRUE(host->log().empty());
+  control_.Connect();
   struct Case {
     const char* why;
     std::string reply;
     std::vector<std::string> items;
     int32_t active;
   } cases[] = {
-      {"shape",
-       "3 entities\r\n'Rough 1'\r\n*'Finish 2'\r\n'Rest 3'\r\n",
-       {"Rough 1", "Finish 2", "Rest 3"},
-       2},
+      // clang-format off
+      {"shape", "3 entities\r\n'Rough 1'\r\n*'Finish 2'\r\n'Rest 3'\r\n",
+       {"Rough 1", "Finish 2", "Rest 3"}, 2},
       {"heading 0", "0 entities\r\n'A'\r\n", {}, 0},
       {"no line break", "'A'", {}, 0},
       {"blank line still counts", "2\r\n'A'\r\n\r\n  *  'B'  \r\n", {"A", "B"}, 3},
       {"two marks: the later wins", "2\r\n*'A'\r\n*'B'\r\n", {"A", "B"}, 2},
       {"two characters, one character, only a star", "x\r\n''\r\nq\r\n*\r\n", {"q"}, 3},
       {"delimiter inside", "1\r\n'it's'\r\n", {"it's"}, 0},
+      // clang-format on
   };
   for (const Case& c : cases) {
     host->ScriptReply("PRINT ENTITY TOOLPATHS", c.reply);
@@ -313,18 +302,6 @@ TEST_F(Tarvik3Test, ListsFollowTheReplyLines) {
             (std::vector<std::string>{"PRINT ENTITY PATTERN", "PRINT ENTITY WORKPLANE"}));
 }
 
-TEST_F(Tarvik3Test, ListsWithTheFlagFalseSendNothing) {
-  auto host = hosts::RunTarvik();
-  Link().ConnectToRunning();
-  AutomationObject list = NewCollection();
-  Call(list, "Add", "x");
-  int32_t active = 5;
-  control_.GetToolpathList(list, active);
-  EXPECT_EQ(GetMember(list, "Count").ToLong(), 0);
-  EXPECT_EQ(active, 0);
-  EXPECT_TRUE(host->log().empty());
-}
-
 TEST_F(Tarvik3Test, SizeToolpathQuotesTheCallersName) {
   auto host = Connected();
   host->AddEntity(hosts::EntityKind::kToolpath, "Rough 1", {-40, -20, 1, 40, 20, 29});
@@ -334,6 +311,7 @@ TEST_F(Tarvik3Test, SizeToolpathQuotesTheCallersName) {
   EXPECT_EQ(name, "\"Rough 1\"");
   EXPECT_EQ(std::vector<double>(v, v + 6), (std::vector<double>{-40, 40, -20, 20, 1, 29}));
   control_.SizeToolpath(name, v[0], v[1], v[2], v[3], v[4], v[5]);  // doubled quotes: unknown
+  EXPECT_EQ(Sent(*host).end()[-2], "SIZE TOOLPATH \"\"Rough 1\"\"");
   EXPECT_EQ(std::vector<double>(v, v + 6), std::vector<double>(6, 0.0));
 }
 

@@ -64,12 +64,10 @@ TEST_F(SafeArrayTest, ShapesAtTheEdgesOfLongsAndOfMemory) {
       {{{kMin, 1}}, 0, 1, {kMin}, {kMin}, true},
       {{{kMin, 2}, {kMax - 1, 2}}, 0, 4, {kMin + 1, kMax}, {kMin, kMax}, true},
       {{{kMin, 0}}, 0, 0, {kBelow}, {kMin}, false},
-      {{{1, kMax}, {1, kMax}, {1, kMax}, {kMin, 0}},
-       0,
-       0,
-       {kMax, kMax, kMax, kBelow},
-       {kMax - 1, kMax - 1, kMax - 1, kMin},
-       false},
+      // clang-format off
+      {{{1, kMax}, {1, kMax}, {1, kMax}, {kMin, 0}}, 0, 0, {kMax, kMax, kMax, kBelow},
+       {kMax - 1, kMax - 1, kMax - 1, kMin}, false},
+      // clang-format on
       {{{0, 0}, {kMin, kMax}, {0, kMax}}, 0, 0, {-1, -2, kMax - 1}, {0, kMin, 0}, false},
       {{{kMax, 2}}, err::kSubscript, 0, {}, {}, false},
       {{{1, -1}}, err::kSubscript, 0, {}, {}, false},
@@ -127,9 +125,8 @@ TEST_F(SafeArrayTest, AnUnallocatedArrayIsAnEmptyArrayOfVariants) {
 
 TEST_F(SafeArrayTest, SubscriptsOutsideTheBoundsAreErrorNine) {
   SafeArray a(VarType::kDouble, {{0, 3}, {-1, 2}});
-  const std::vector<std::vector<int32_t>> bad = {
-      {-1, -1}, {3, -1}, {0, -2}, {0, 1}, {0}, {0, 0, 0}, {}, {kMax, 0}, {0, kMin},
-  };
+  const std::vector<std::vector<int32_t>> bad = {{-1, -1},  {3, -1}, {0, -2},   {0, 1},   {0},
+                                                 {0, 0, 0}, {},      {kMax, 0}, {0, kMin}};
   for (const auto& subscripts : bad) {
     EXPECT_EQ(ErrorOf([&] { a.Get(subscripts); }), err::kSubscript) << subscripts.size();
     EXPECT_EQ(ErrorOf([&] { a.Put(subscripts, 1.0); }), err::kSubscript);

@@ -6,6 +6,7 @@
 #include <new>
 #include <span>
 #include <stdexcept>
+#include <tuple>
 #include <vector>
 
 #include "qorvel/platform/automation_error.h"
@@ -57,23 +58,15 @@ constexpr VarType kInt = VarType::kInteger, kLong = VarType::kLong;
 TEST_F(VariantTest, NumbersRoundHalfToEvenAndOverflowPastTheTarget) {
   const double inf = std::numeric_limits<double>::infinity();
   const double nan = std::numeric_limits<double>::quiet_NaN();
+  // clang-format off
   const ConversionCase cases[] = {
-      {2.5, kInt, 2, 0},
-      {3.5, kInt, 4, 0},
-      {-2.5, kInt, -2, 0},
-      {-0.5, kInt, 0, 0},
-      {2.5001, kInt, 3, 0},
-      {32767.4, kInt, 32767, 0},
-      {32767.5, kInt, 0, 6},
-      {-32768.5, kInt, -32768, 0},
-      {-32768.51, kInt, 0, 6},
-      {2147483647.4, kLong, 2147483647, 0},
-      {2147483647.5, kLong, 0, 6},
-      {-2147483648.5, kLong, -2147483648.0, 0},
-      {-2147483649.0, kLong, 0, 6},
-      {inf, kLong, 0, 6},
-      {nan, kLong, 0, 6},
-  };
+      {2.5, kInt, 2, 0},         {3.5, kInt, 4, 0},           {-2.5, kInt, -2, 0},
+      {-0.5, kInt, 0, 0},        {2.5001, kInt, 3, 0},        {32767.4, kInt, 32767, 0},
+      {32767.5, kInt, 0, 6},     {-32768.5, kInt, -32768, 0}, {-32768.51, kInt, 0, 6},
+      {2147483647.4, kLong, 2147483647, 0},     {2147483647.5, kLong, 0, 6},
+      {-2147483648.5, kLong, -2147483648.0, 0}, {-2147483649.0, kLong, 0, 6},
+      {inf, kLong, 0, 6},        {nan, kLong, 0, 6}};
+  // clang-format on
   ExpectConversions(cases);
   EXPECT_EQ(ErrorOf([] { Variant(int32_t{32768}).ToInteger(); }), err::kOverflow);
   EXPECT_EQ(ErrorOf([] { Variant(int32_t{-32769}).ToInteger(); }), err::kOverflow);
@@ -163,25 +156,17 @@ TEST_F(VariantTest, TypeCodesCarryTheArrayAndReferenceFlags) {
     Variant value;
     uint16_t vt;
   };
+  // clang-format off
   const Case cases[] = {
-      {Variant(), 0x0000},
-      {Variant::Null(), 0x0001},
-      {int16_t{1}, 0x0002},
-      {1, 0x0003},
-      {1.0, 0x0005},
-      {"x", 0x0008},
+      {Variant(), 0x0000},       {Variant::Null(), 0x0001},   {int16_t{1}, 0x0002},
+      {1, 0x0003},               {1.0, 0x0005},               {"x", 0x0008},
       {AutomationObject(), 0x0009},  // Nothing is an object
-      {VariantBool::kTrue, 0x000B},
-      {doubles, 0x2005},
-      {variants, 0x200C},
-      {Variant::Ref(i), 0x4002},
-      {Variant::Ref(s), 0x4008},
-      {Variant::Ref(v), 0x400C},
-      {Variant::Ref(doubles), 0x6005},
-      {Variant::Ref(variants), 0x600C},
+      {VariantBool::kTrue, 0x000B},     {doubles, 0x2005},    {variants, 0x200C},
+      {Variant::Ref(i), 0x4002}, {Variant::Ref(s), 0x4008},   {Variant::Ref(v), 0x400C},
+      {Variant::Ref(doubles), 0x6005},  {Variant::Ref(variants), 0x600C},
       {Variant::Ref(d).ConvertTo(VarType::kVariant), 0x0005},
-      {Variant(7).ConvertTo(VarType::kEmpty), 0x0000},
-  };
+      {Variant(7).ConvertTo(VarType::kEmpty), 0x0000}};
+  // clang-format on
   for (const Case& c : cases) {
     EXPECT_EQ(c.value.vt(), c.vt);
     EXPECT_EQ(c.value.is_ref(), (c.vt & kByRefFlag) != 0) << std::hex << c.vt;
@@ -215,12 +200,8 @@ TEST_F(VariantTest, ReferencesReadAndWriteTheCallersStorage) {
   Variant::Ref(s).Assign(int32_t{42});
   Variant::Ref(o).Assign(thing);
   Variant::Ref(v).Assign(int16_t{9});
-  EXPECT_EQ(i, 2);
-  EXPECT_EQ(l, 4);
-  EXPECT_EQ(d, 0.25);
-  EXPECT_EQ(b, VariantBool::kTrue);
-  EXPECT_EQ(s, "42");
-  EXPECT_EQ(o, thing);
+  EXPECT_EQ(std::tie(i, l, d, b, s, o),
+            std::make_tuple(int16_t{2}, 4, 0.25, VariantBool::kTrue, std::string("42"), thing));
   EXPECT_EQ(v.vt(), 0x0002);  // a Variant takes the value as it is
 
   Variant ref_d = Variant::Ref(d);

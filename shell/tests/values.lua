@@ -9,32 +9,22 @@ ok, err = pcall(function() a:put(0, 5, "abc") end)
 assert(not ok and err.number == 13)
 a:redim(true, {0, 3}, {5, 3})                       -- keeps contents, last dimension grows
 assert(a:get(2, 6) == 2.5 and a:ubound(2) == 7)
+assert(a:type() == "double" and tostring(a) == "SafeArray(double, 0 to 2, 5 to 7)")
 
 local flags = SafeArray("bool", {1, 2})
 flags:put(1, Bool(5))
 flags:put(2, true)
 assert(flags:get(1) == 5 and flags:get(2) == true)
-
-local c = Collection()
-c:Add("x")
-c:Add("y")
-c:Remove(1)
-assert(c.Count == 1 and c:Item(1) == "y")
-ok, err = pcall(function() return c:Item(2) end)
-assert(not ok and err.number == 9)
+local texts = SafeArray("text", {-1, 2})
+texts:put(0, 42)                                    -- converted to the element type
+assert(texts:get(0) == "42" and texts:lbound() == -1)
 
 -- Enumeration members are globals.
 assert(qvxmin == 1 and qvzmax == 6 and qvStartNewTarvik == 2 and qvTypeWireframe == 60)
 
--- Arrays describe themselves; bad bounds and arguments are refused, never a crash.
-assert(a:type() == "double" and tostring(a) == "SafeArray(double, 0 to 2, 5 to 7)")
-local texts = SafeArray("text", {-1, 2})
-texts:put(-1, "minus one")
-texts:put(0, 42)                                    -- converted to the element type
-assert(texts:get(-1) == "minus one" and texts:get(0) == "42" and texts:lbound() == -1)
+-- Bad bounds and arguments are refused, never a crash: the library's as error tables, the
+-- shell's own as text.
 ok, err = pcall(SafeArray, "double", {1, -1})
-assert(not ok and err.number == 9)
-ok, err = pcall(function() return a:lbound(3) end)
 assert(not ok and err.number == 9)
 ok, err = pcall(function() return a:get(1) end)     -- one subscript for two dimensions
 assert(not ok and err.number == 9)
@@ -48,21 +38,17 @@ assert(Bool(7) == Bool(7) and Bool(7) ~= Bool(6) and tostring(Bool(-2)) == "Bool
 
 -- Lua values cross as the automation types: integers beyond 32 bits as Double, and a value
 -- that has no automation type is a type mismatch.
+local c = Collection()
 c:Add(2 ^ 40)
 c:Add(math.maxinteger)
 c:Add(true)
-assert(c:Item(2) == 2 ^ 40 and math.type(c:Item(3)) == "float" and c:Item(4) == true)
+c:Add("keyed", "K")
+assert(c:Item(1) == 2 ^ 40 and math.type(c:Item(2)) == "float" and c:Item(3) == true)
+assert(c:Item("k") == "keyed" and c.Count == 4 and tostring(c):find("^Collection: "))
 ok, err = pcall(function() c:Add({}) end)
 assert(not ok and err.number == 13 and err.description == "Type mismatch")
 ok, err = pcall(function() c:Add(print) end)
 assert(not ok and err.number == 13)
-c:Add("keyed", "K")
-assert(c:Item("k") == "keyed")
-ok, err = pcall(function() c:Add("again", "K") end)
-assert(not ok and err.number == 457)
-ok, err = pcall(function() c.Count = 3 end)
-assert(not ok and err.number == 438)
-assert(tostring(c):find("^Collection: "))
 
 -- Text becomes a number by the regional symbols; a comma region groups with the point.
 Regional.SetDecimal(",")
