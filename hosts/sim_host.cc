@@ -18,7 +18,8 @@ Variant Read(std::span<Variant> args, Variant value) {
 
 }  // namespace
 
-SimHost::SimHost(std::string class_name) : class_name_(std::move(class_name)) {}
+SimHost::SimHost(std::string class_name, bool has_execute_ex)
+    : class_name_(std::move(class_name)), has_execute_ex_(has_execute_ex) {}
 
 // The log comes first, so a test sees every call, also the ones a fault turns away.
 Variant SimHost::Invoke(std::string_view member, CallKind kind, std::span<Variant> args) {
@@ -67,7 +68,7 @@ Variant SimHost::Answer(std::string_view member, CallKind kind, std::span<Varian
     Command(args[0]);
     return {};
   }
-  if (name == "EXECUTEEX") {
+  if (name == "EXECUTEEX" && has_execute_ex_) {
     NeedArgs(args, 3);
     args[2].Assign(Variant(Command(args[0])));
     return {};
@@ -94,7 +95,8 @@ MemberShape SimHost::Shape(std::string_view member) const {
   if (name == "VERSION" || name == "BUSY" || name == "WINDOWSTATE" || name == "VISIBLE") {
     return MemberShape::kProperty;
   }
-  if (name == "EXIT" || name == "EXECUTE" || name == "EXECUTEEX") return MemberShape::kMethod;
+  if (name == "EXIT" || name == "EXECUTE") return MemberShape::kMethod;
+  if (name == "EXECUTEEX" && has_execute_ex_) return MemberShape::kMethod;
   return OtherShape(name);
 }
 
@@ -159,6 +161,7 @@ void SimHost::ClearFaults() {
   failing_commands_.clear();
   failing_members_.clear();
   calls_to_vanish_ = 0;
+  ClearOwnFaults();
 }
 
 void SimHost::GoAway() {

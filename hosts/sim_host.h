@@ -37,7 +37,8 @@ inline constexpr int32_t kCommandRejected = 1000;
 // faults. A concrete host supplies its command language in RunCommand.
 class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
  public:
-  explicit SimHost(std::string class_name);
+  // A host without ExecuteEx (the modelling host has none) answers it as an unknown member.
+  explicit SimHost(std::string class_name, bool has_execute_ex = true);
   Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) final;
   MemberShape Shape(std::string_view member) const final;
 
@@ -60,7 +61,7 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   void FailCommand(const std::string& command, int32_t number, const std::string& description);
   // Every later call of `member` raises this error.
   void FailMember(const std::string& member, int32_t number, const std::string& description);
-  // Drops the scripted replies, failing commands and failing members.
+  // Drops the scripted replies, failing commands and failing members, and a host's own faults.
   void ClearFaults();
   // The host goes away: it leaves the running-object table and every later call raises 462.
   void GoAway();
@@ -91,6 +92,8 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   virtual Variant OtherMember(std::string_view member, CallKind kind, std::span<Variant> args);
   // What OtherMember knows of a member, by its upper-cased name.
   virtual MemberShape OtherShape(std::string_view upper_member) const;
+  // Faults a concrete host keeps beyond these, dropped by ClearFaults. Runs under `mu_`.
+  virtual void ClearOwnFaults() {}
 
   mutable std::recursive_mutex mu_;
 
@@ -105,6 +108,7 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
   void Leave();  // out of the running-object table, under `mu_`
 
   const std::string class_name_;
+  const bool has_execute_ex_;
   std::vector<Call> log_;
   Variant version_;
   std::map<std::string, std::string> scripted_;      // upper-cased command -> output

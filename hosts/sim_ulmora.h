@@ -37,7 +37,8 @@ class SimUlmora : public SimHost {
   std::vector<Entity> entities() const;
   std::optional<Entity> entity(const std::string& name) const;
 
-  // The three lists, in the host's index order, by entity name.
+  // The three lists, in the host's index order, by entity name. Naming an entity the model
+  // doesn't hold raises 5 and changes nothing.
   void Select(std::vector<std::string> names);  // replaces the selection
   void MarkCreated(std::vector<std::string> names);
   void MarkUpdated(std::vector<std::string> names);
@@ -54,21 +55,52 @@ class SimUlmora : public SimHost {
   // The batches exec received, whole, in order.
   std::vector<std::string> batches() const;
 
+  // Evaluate of `expression` (matched without regard to case) answers `reply`, whatever it is,
+  // instead of running the expression. ClearFaults drops these.
+  void ScriptEvaluate(const std::string& expression, Variant reply);
+
  protected:
   std::string RunCommand(const std::string& command) override;
   Variant OtherMember(std::string_view member, CallKind kind, std::span<Variant> args) override;
   MemberShape OtherShape(std::string_view upper_member) const override;
+  void ClearOwnFaults() override;
 
  private:
+  // A word of a command line; a quoted one is never a keyword.
+  struct Word {
+    std::string text;
+    bool quoted = false;
+  };
+  using Words = std::vector<Word>;
+
   Variant Evaluate(const std::string& expression) const;
+  Variant ListExpression(const std::vector<std::string>& list, const std::string& upper) const;
+  Variant Property(const Entity& entity, const std::string& upper_property) const;
   Variant Print(const std::string& id) const;
   void Exec(const std::string& batch);
+
+  // One command line, in the command or batch under way.
+  void Run(const std::string& line);
+  void Create(const Words& words);
+  void Modify(const Words& words);
+  void Delete(const Words& words);
+  void SelectCommand(const Words& words);
+  void Dialog(const Words& words);
+  // The first change to the model in a command or batch starts the created and updated lists
+  // afresh; later changes of the same command or batch add to them.
+  void Changing();
+
+  const Entity* Find(const std::string& name) const;
+  Entity& Named(const std::string& name);  // rejects a name the model doesn't hold
+  std::vector<std::string> Known(std::vector<std::string> names) const;  // raises 5 for others
 
   std::vector<Entity> entities_;
   std::vector<std::string> selection_, created_, updated_;
   bool counts_as_text_ = false;
   bool dialogs_ = true;
   std::vector<std::string> batches_;
+  std::map<std::string, Variant> scripted_evaluates_;  // upper-cased expression
+  bool fresh_lists_ = true;  // no change to the model yet in the command or batch under way
 };
 
 }  // namespace qorvel::hosts

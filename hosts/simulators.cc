@@ -55,6 +55,10 @@ std::shared_ptr<SimTarvik> RunTarvik(std::chrono::milliseconds start_delay) {
   return Run<SimTarvik>(Env::Current(), start_delay);
 }
 
+std::shared_ptr<SimUlmora> RunUlmora(std::chrono::milliseconds start_delay) {
+  return Run<SimUlmora>(Env::Current(), start_delay);
+}
+
 // The launcher and the class servers belong to `env`, so they may keep a reference to it.
 void InstallSimulatedHosts(std::chrono::milliseconds start_delay) {
   Env& env = Env::Current();
@@ -96,6 +100,10 @@ std::shared_ptr<SimZebrin> LastZebrin() {
 
 std::shared_ptr<SimTarvik> LastTarvik() {
   return std::dynamic_pointer_cast<SimTarvik>(LastStarted("Tarvik.Document"));
+}
+
+std::shared_ptr<SimUlmora> LastUlmora() {
+  return std::dynamic_pointer_cast<SimUlmora>(LastStarted("Ulmora.Application"));
 }
 
 }  // namespace qorvel::hosts

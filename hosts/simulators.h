@@ -8,6 +8,7 @@
 
 #include "hosts/sim_host.h"
 #include "hosts/sim_tarvik.h"
+#include "hosts/sim_ulmora.h"
 #include "hosts/sim_zebrin.h"
 
 namespace qorvel::hosts {
@@ -16,6 +17,9 @@ namespace qorvel::hosts {
 // after `start_delay`.
 std::shared_ptr<SimZebrin> RunZebrin(std::chrono::milliseconds start_delay = {});
 std::shared_ptr<SimTarvik> RunTarvik(std::chrono::milliseconds start_delay = {});
+// The modelling host has no launcher path, registry entries or class server: the control
+// can't start it, so this is the only way it runs.
+std::shared_ptr<SimUlmora> RunUlmora(std::chrono::milliseconds start_delay = {});
 
 // Installs the simulated programs in the current environment as the real ones would be: the
 // registry entries of simulated_hosts.reg, launcher paths (kZebrinProgram, kTarvikProgram)
@@ -28,13 +32,14 @@ void SetStartDelay(std::chrono::milliseconds start_delay);
 // The text of simulated_hosts.reg, built into the program.
 std::string_view DefaultRegText();
 
-// The simulators of the current environment started so far through RunZebrin, RunTarvik, the
-// launcher or a class server, oldest first.
+// The simulators of the current environment started so far through RunZebrin, RunTarvik,
+// RunUlmora, the launcher or a class server, oldest first.
 std::vector<std::shared_ptr<SimHost>> StartedHosts();
 // The newest started simulator of a class (named in any case), or nullptr.
 std::shared_ptr<SimHost> LastStarted(std::string_view class_name);
 std::shared_ptr<SimZebrin> LastZebrin();
 std::shared_ptr<SimTarvik> LastTarvik();
+std::shared_ptr<SimUlmora> LastUlmora();
 
 }  // namespace qorvel::hosts
 

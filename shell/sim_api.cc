@@ -24,7 +24,8 @@ using qorvel::hosts::HostPreset;
 using qorvel::hosts::SimHost;
 
 // The classes the simulators register under, as presets name them.
-const char* const kSimulatedClasses[] = {"Zebrin.Document", "Tarvik.Document"};
+const char* const kSimulatedClasses[] = {"Zebrin.Document", "Tarvik.Document",
+                                         "Ulmora.Application"};
 
 std::shared_ptr<SimHost> ArgHost(lua_State* L, int arg) {
   const qorvel::AutomationObject* object = TestObject(L, arg);
@@ -50,7 +51,9 @@ std::string ArgClass(lua_State* L, int arg) {
   for (const char* known : kSimulatedClasses) {
     if (EqualsNoCase(name, known)) return name;
   }
-  throw ArgError(arg, "\"Zebrin.Document\" or \"Tarvik.Document\" expected, got \"" + name + '"');
+  throw ArgError(
+      arg, "\"Zebrin.Document\", \"Tarvik.Document\" or \"Ulmora.Application\" expected, got \"" +
+               name + '"');
 }
 
 // Calls `each(name, index)` for every entry of the table at `index`, whose keys must be texts.
@@ -307,6 +310,7 @@ void OpenSimulators(lua_State* L) {
                                 {nullptr, nullptr}};
   luaL_newlib(L, functions);
   AddTarvikFunctions(L);
+  AddUlmoraFunctions(L);
   lua_setglobal(L, "Sim");
 }
 

@@ -8,6 +8,8 @@ namespace qvsh {
 // Adds the functions that set up and inspect a simulated Tarvik to the table on top of the
 // stack (the global Sim).
 void AddTarvikFunctions(lua_State* L);
+// The same for a simulated Ulmora, and Sim.RunUlmora.
+void AddUlmoraFunctions(lua_State* L);
 
 }  // namespace qvsh
 

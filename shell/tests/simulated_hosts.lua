@@ -91,7 +91,7 @@ assert(not ok and err:find("unknown setting 'lingr'"), err)
 ok, err = pcall(Sim.NextHosts, "Tarvik.Document", {failCommands = {X = {"70"}}})
 assert(not ok and err:find("failCommands.X: {number, description} expected"), err)
 ok, err = pcall(Sim.NextHosts, "Tarvik.Documents", {})
-assert(not ok and err:find('"Zebrin.Document" or "Tarvik.Document" expected'), err)
+assert(not ok and err:find('"Zebrin.Document", "Tarvik.Document" or "Ulmora.Application" expected'), err)
 ok, err = pcall(function() fresh:Connect(qvStartNewTarvik) end)
 assert(not ok and err.number == 60000)
 -- Without settings the class is plain again.
