@@ -1,5 +1,5 @@
--- A tour of QorvelOLE: a Zebrin session, then a machining session with Tarvik3, both against
--- the simulated hosts. Run it with: qvsh examples/tour.lua
+-- A tour of QorvelOLE: a Zebrin session, a machining session with Tarvik3 and a modelling
+-- session with Ulmora27, all against the simulated hosts. Run it with: qvsh examples/tour.lua
 
 -- One line of the session: a label, then the values.
 local function show(label, ...)
@@ -92,4 +92,45 @@ show("a Tarvik 2400, trapped", tostring(err))
 Sim.SetVersion(machine, 2620)
 tarvik:Disconnect()
 show("connected after Disconnect", tarvik.Connected)
+show("message boxes shown", #MessageBoxes())
+
+print()
+print("== Ulmora27, modelling")
+local modeller = Sim.RunUlmora()            -- the control can't start Ulmora: it must run
+local ulmora = CreateObject("QorvelOLE.Ulmora27")
+ulmora:Connect()
+show("connected, version", ulmora.Connected, ulmora.version)
+
+-- A batch goes to the host in one call when it is processed; nothing reaches it before.
+ulmora:ClearBatchBuffer()
+for _, command in ipairs({"CREATE POINT P1 10 20 30", "CREATE LINE L1 0 0 0 10 0 0",
+                          "CREATE CURVE C1 0 0 0 5 5 0 10 0 0", "CREATE COMPCURVE CC1 L1 C1",
+                          "CREATE SURFACE S1 4 5", "CREATE ANNOTATION N1 Note"}) do
+  ulmora:AddBatchCommand(command)
+end
+show("batch processed", ulmora:ProcessBatch())
+local _, names, types, count = ulmora:GetCreatedEntities(nil, nil, 0)
+show("created", count)
+for i = 1, count do print(("    %-4s %s"):format(names:get(i), types:get(i))) end
+
+ulmora:Execute("SELECT ALL")
+show("selected", ulmora.ItemsSelectedCount)
+_, names, types, count = ulmora:GetFilteredSelection(nil, nil, 0, qvTypeWireframe)
+local wireframe = {}
+for i = 1, count do wireframe[i] = names:get(i) .. " (" .. types:get(i) .. ")" end
+show("wireframe of the selection", table.concat(wireframe, ", "))
+
+ulmora:StoreData("P1.X")
+show("P1.X", ulmora.StoredData, ulmora.StoreType == SingleValue and "SingleValue" or "VectorArray")
+ulmora:StoreData("P1.POSITION")
+local position = ulmora.StoredData
+show("P1.POSITION", position:get(0), position:get(1), position:get(2),
+  ulmora.StoreType == VectorArray and "VectorArray" or "SingleValue")
+show("Evaluate ENTITY['C1'].TYPE", (ulmora:Evaluate("ENTITY['C1'].TYPE")))
+
+-- An old Ulmora is refused with a message box at each probe, not with an error.
+Sim.SetVersion(modeller, 2600)
+show("an Ulmora 2600: connected", ulmora.Connected)
+Sim.SetVersion(modeller, 2700)
+ulmora:Disconnect()
 show("message boxes shown", #MessageBoxes())

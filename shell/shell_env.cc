@@ -6,7 +6,8 @@ namespace qvsh {
 
 void EchoedMessages::ShowMessage(const std::string& text, int32_t style, const std::string& title) {
   MessageLog::ShowMessage(text, style, title);
-  std::string shown = title + ": ";
+  std::string shown =
+      title.empty() ? "" : title + ": ";  // a box without a title shows its text only
   for (char c : text) shown += c == '\r' ? std::string("\n    ") : std::string(1, c);
   std::cerr << shown << std::endl;
 }

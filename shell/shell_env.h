@@ -9,8 +9,9 @@
 namespace qvsh {
 
 // Message boxes as qvsh shows them: recorded like everywhere else, and printed to standard
-// error as they appear, "<title>: <text>", a carriage return in the text starting an indented
-// line (a terminal would otherwise write the second line over the first).
+// error as they appear, "<title>: <text>" (the text alone without a title), a carriage return in
+// the text starting an indented line (a terminal would otherwise write the second line over the
+// first).
 class EchoedMessages : public qorvel::MessageLog {
  public:
   void ShowMessage(const std::string& text, int32_t style, const std::string& title) override;

@@ -1,4 +1,4 @@
-// Every member of Zebrin and Tarvik3 that calls its host, with the host vanishing at each of
+// Every member of the host controls that calls its host, with the host vanishing at each of
 // those calls in turn: each run must end as the member ends with a host that has gone.
 #include <gtest/gtest.h>
 
@@ -11,6 +11,7 @@
 #include "qorvel/frame/control.h"
 #include "qorvel/frame/host_link.h"
 #include "qorvel/machining/tarvik3_face.h"
+#include "qorvel/modelling/ulmora27_face.h"
 #include "qorvel/platform/collection.h"
 #include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
@@ -21,6 +22,7 @@ namespace {
 
 using hosts::SimHost;
 using hosts::SimTarvik;
+using hosts::SimUlmora;
 
 // A member through the dispatch face, and how it must end when its host goes at any call.
 struct Member {
@@ -32,6 +34,8 @@ struct Member {
   Variant gone{};       // its result once the host has gone
   size_t unneeded = 0;  // last calls its result doesn't depend on (the dialogs restore)
   size_t raised = 0;    // vanishing at calls 1 to this one reaches the client, as 462
+  // For a member whose result is made of many answers: its result when the host goes at call k.
+  std::function<std::string(size_t k)> gone_at = nullptr;
 };
 using Members = std::vector<Member>;
 
@@ -67,8 +71,20 @@ Variant Put(const AutomationObject& control, const char* name, Variant value) {
   return Variant();
 }
 
+// An entity list of an Ulmora27 as "number|name,name".
+Variant Entities(const AutomationObject& ulmora, const char* member, std::vector<Variant> more) {
+  SafeArray names, types;
+  int32_t number = -1;
+  std::vector<Variant> args{Variant::Ref(names), Variant::Ref(types), Variant::Ref(number)};
+  args.insert(args.end(), more.begin(), more.end());
+  CallMember(ulmora, member, args);
+  std::string text = std::to_string(number) + "|";
+  for (int32_t i = 1; i <= number; ++i) text += (i > 1 ? "," : "") + names.Get({i}).ToText();
+  return text;
+}
+
 const Members& TheMembers() {
-  const Host Z = Host::kZebrin, T = Host::kTarvik;
+  const Host Z = Host::kZebrin, T = Host::kTarvik, U = Host::kUlmora;
   const Variant no = VariantBool::kFalse;
   const auto hide = [](const AutomationObject& c) { return Put(c, "Visible", false); };
   static const Members members = {
@@ -110,6 +126,33 @@ const Members& TheMembers() {
       {"GetPatternList", T, true, [](auto& c) { return List(c, "GetPatternList"); }, 2, "0 0"},
       {"GetWorkplaneList", T, true, [](auto& c) { return List(c, "GetWorkplaneList"); }, 2, "0 0"},
       {"SizeToolpath", T, true, [](auto& c) { return SizeToolpath(c); }, 6, "0 0 0 0 0 0 ", 1},
+      {"Ulmora27 Connect", U, false, [](auto& c) { return Call(c, "Connect"); }, 1},
+      {"ExitUlmora", U, true, [](auto& c) { return Call(c, "ExitUlmora"); }, 2},
+      {"Ulmora27 Visible put", U, true, hide, 3, {}, 0, 3},
+      // The count is read once; a name asked after the host went is the empty text.
+      {"GetSelectedEntities",
+       U,
+       true,
+       [](auto& c) { return Entities(c, "GetSelectedEntities", {}); },
+       5,
+       {},
+       0,
+       0,
+       [](size_t k) -> std::string {
+         return k == 1 ? "0|" : k == 2 ? "2|," : k <= 4 ? "2|S1," : "2|S1,L1";
+       }},
+      // An empty type matches nothing; a match whose name is lost keeps its place.
+      {"GetFilteredSelection",
+       U,
+       true,
+       [](auto& c) { return Entities(c, "GetFilteredSelection", {int32_t{255}}); },
+       5,
+       {},
+       0,
+       0,
+       [](size_t k) -> std::string {
+         return k <= 2 ? "0|" : k == 3 ? "1|" : k == 4 ? "1|S1" : "2|S1,";
+       }},
   };
   return members;
 }
@@ -141,6 +184,13 @@ class MemberRun {
     if (m.host == Host::kZebrin) {
       running = hosts::RunZebrin();
       control_ = NewControl<Zebrin>();
+    } else if (m.host == Host::kUlmora) {
+      auto ulmora = hosts::RunUlmora();
+      ulmora->AddEntity({"S1", "Surface", {}});
+      ulmora->AddEntity({"L1", "Line", {}});
+      ulmora->Select({"S1", "L1"});
+      running = ulmora;
+      control_ = NewControl<Ulmora27>();
     } else {
       auto tarvik = hosts::RunTarvik();
       Stock(*tarvik);
@@ -197,7 +247,9 @@ TEST(VanishingHostTest, EveryMemberEndsAsWithAGoneHostWhicheverCallItVanishesAt)
       const std::shared_ptr<SimHost> host = run.host();
       ASSERT_TRUE(host != nullptr && host->gone());
       EXPECT_EQ(run.error(), k <= m.raised ? err::kServerGone : 0);
-      if (run.error() == 0) {
+      if (run.error() == 0 && m.gone_at) {
+        EXPECT_EQ(run.result().ToText(), m.gone_at(k));
+      } else if (run.error() == 0) {
         EXPECT_EQ(run.result().ToText(), (k + m.unneeded <= n ? m.gone : healthy).ToText());
       }
       EXPECT_FALSE(run.boxes_shown());
