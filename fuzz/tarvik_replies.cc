@@ -1,8 +1,10 @@
 // The machining control's reply parsers, end to end: a simulated Tarvik answers the control's
 // queries with text from the input, and the control's members run over it.
-// Input: one settings byte (the host's version, the region, and the member before which the
-// host goes away, if any), one axis byte, then the replies, split by NUL, in the order of
-// kScripted; a reply left out is the simulator's own answer.
+// Input: one settings byte (bits 0-1 the host's version; bits 2-3 the decimal symbol, or long
+// replies; bits 4-7 the member before which the host goes away, 0 for none), one axis byte,
+// then the replies, split by NUL, in the order of kScripted; a reply left out is the
+// simulator's own answer. Long replies have their first blank widened past what the blank
+// collapse can count, so its overflow path runs without inputs of that size.
 // Properties: only the errors a member may raise come out (60000 from the gate, 9 for a bad
 // axis); every limit read is finite; a list holds only non-empty names, one per reply line.
 #include <cmath>
@@ -37,7 +39,8 @@ constexpr const char* kScripted[] = {
     "PRINT FORMVALUE INFOBAR.UNITS",
 };
 constexpr int32_t kVersions[] = {2620, 2522, 2521, 0};
-constexpr const char* kDecimals[] = {".", ",", "\xD9\xAB"};
+constexpr const char* kDecimals[] = {".", ",", "\xD9\xAB", "."};
+constexpr size_t kLongBlankRun = 32768;
 constexpr int32_t kGate = 60000;
 constexpr int32_t kSubscript = 9;
 
@@ -91,7 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string_view rest(reinterpret_cast<const char*>(data) + 2, size - 2);
 
   ScopedEnv scope;
-  SetDecimalSymbol(scope.env().registry(), kDecimals[(settings >> 2) % 3]);
+  SetDecimalSymbol(scope.env().registry(), kDecimals[(settings >> 2) & 3]);
+  const bool long_replies = (settings >> 2 & 3) == 3;
   hosts::InstallSimulatedHosts();
   auto host = hosts::RunTarvik();
   const int32_t version = kVersions[settings & 3];
@@ -102,7 +106,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (const char* command : kScripted) {
     if (rest.empty()) break;
     const size_t end = std::min(rest.find('\0'), rest.size());
-    const std::string reply(rest.substr(0, end));
+    std::string reply(rest.substr(0, end));
+    if (const size_t blank = reply.find(' '); long_replies && blank != std::string::npos) {
+      reply.insert(blank, kLongBlankRun, ' ');
+    }
     host->ScriptReply(command, reply);
     if (std::string_view(command) == "PRINT ENTITY TOOLPATHS") toolpath_reply = reply;
     rest.remove_prefix(std::min(end + 1, rest.size()));
