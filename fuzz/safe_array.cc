@@ -2,8 +2,8 @@
 // four dimensions, then a run of operations on it and on up to three copies. Bounds reach the
 // extremes of 32 bits and counts run huge.
 // Properties: only the runtime's array errors come out (5, 6, 7, 9, 10, 13; 94 when a Null is
-// stored); every array reports the bounds it was made with; a Put through one array changes no
-// other, copies included; a resize that keeps the contents keeps the first element.
+// stored or converted); every array reports the bounds it was made with; a Put through one array
+// changes no other, copies included; a resize that keeps the contents keeps the first element.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <climits>
@@ -125,6 +125,7 @@ std::vector<int32_t> PickSubscripts(FuzzedDataProvider& in, const SafeArray& arr
 // Two elements are alike: the same type and the same value (arrays by their bounds).
 bool Alike(const Variant& a, const Variant& b) {
   if (a.vt() != b.vt()) return false;
+  if (a.is_array()) return a.ToArray().bounds() == b.ToArray().bounds();
   switch (a.type()) {
     case VarType::kInteger:
     case VarType::kLong:
@@ -137,7 +138,7 @@ bool Alike(const Variant& a, const Variant& b) {
     case VarType::kText:
       return a.ToText() == b.ToText();
     default:
-      return !a.is_array() || a.ToArray().bounds() == b.ToArray().bounds();
+      return true;
   }
 }
 
@@ -272,15 +273,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const std::vector<Bound> old = array.bounds();
         const bool locked = array.fixed() || array.locked();
         const std::vector<Bound> taken = source.bounds();
-        if (RunAllowing(kArrayErrors, [&] { array.AssignFrom(source); })) {
+        if (RunAllowing(kArrayErrorsAndNull, [&] { array.AssignFrom(source); })) {
           Expect(array.bounds() == taken, "an assigned array takes its source's bounds");
           Expect(!locked || taken == old, "a fixed or locked array takes only its own bounds");
+        } else {
+          Expect(array.bounds() == old, "a refused assignment keeps the bounds");
         }
         break;
       }
       case 7: {
         const VarType element = in.PickValueInArray(kElements);
-        RunAllowing(kArrayErrors, [&] {
+        RunAllowing(kArrayErrorsAndNull, [&] {
           SafeArray converted = array.ConvertedTo(element);
           Expect(converted.bounds() == array.bounds(), "a conversion keeps the bounds");
           if (arrays.size() < 4) arrays.push_back(std::move(converted));
