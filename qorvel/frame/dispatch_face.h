@@ -2,6 +2,7 @@
 #define QORVEL_FRAME_DISPATCH_FACE_H_
 
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <span>
 #include <string_view>
@@ -79,6 +80,12 @@ class Instance final : public ClassObject {
   }
   C object_;
 };
+
+// A new instance of a plain class: no container, no shell, no events.
+template <class C>
+AutomationObject NewInstance() {
+  return std::make_shared<Instance<C>>();
+}
 
 // The library's live objects, for DllCanUnloadNow.
 int LiveObjects();

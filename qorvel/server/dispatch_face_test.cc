@@ -192,6 +192,25 @@ TEST_F(DispatchFaceTest, OutOfMemoryReachesTheClientAsError7) {
   EXPECT_EQ(ErrorOf([&] { Call(greedy, "Disconnect"); }), 438);  // a row it doesn't bind
 }
 
+// A plain class comes bare: no container, no shell, no outgoing interface.
+TEST_F(DispatchFaceTest, PointClassHoldsThreeCoordinatesOneAtATime) {
+  DllRegisterServer();
+  AutomationObject point = CreateObject("QorvelOLE.PointClass");
+  EXPECT_EQ(std::dynamic_pointer_cast<ControlShell>(point), nullptr);
+  EXPECT_EQ(ErrorOf([&] { std::dynamic_pointer_cast<ClassObject>(point)->Advise(point); }), 438);
+  const auto xyz = [&] {
+    return std::vector<double>{GetMember(point, "X").ToDouble(), GetMember(point, "Y").ToDouble(),
+                               GetMember(point, "Z").ToDouble()};
+  };
+  EXPECT_EQ(xyz(), (std::vector<double>{0, 0, 0}));
+  double y = 2.5;
+  std::vector<Variant> by_ref{Variant::Ref(y)};
+  point->Invoke("Y", CallKind::kPropertyPut, by_ref);
+  EXPECT_EQ(xyz(), (std::vector<double>{0, 2.5, 0}));
+  SetMember(point, "z", "-1");  // text converts by the automation rules
+  EXPECT_EQ(xyz(), (std::vector<double>{0, 2.5, -1}));
+}
+
 // A sink that writes down what it hears.
 class Sink : public Dispatch {
  public:
