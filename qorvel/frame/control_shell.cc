@@ -1,44 +1,6 @@
 #include "qorvel/frame/control_shell.h"
 
-#include "qorvel/platform/text.h"
-
 namespace qorvel {
-namespace {
-
-bool IsNumber(VarType type) {
-  return type == VarType::kInteger || type == VarType::kLong || type == VarType::kDouble ||
-         type == VarType::kBool;
-}
-
-// Whether a value equals its default, as the bag compares them: numbers by value whatever
-// their type (a Double 0 against the Integer 0), text by its characters.
-bool SameValue(const Variant& a, const Variant& b) {
-  if (IsNumber(a.type()) && IsNumber(b.type())) return a.ToDouble() == b.ToDouble();
-  if (a.type() != b.type()) return false;
-  if (a.type() == VarType::kText) return a.ToText() == b.ToText();
-  return a.type() == VarType::kEmpty || a.type() == VarType::kNull;
-}
-
-}  // namespace
-
-Variant PropertyBag::ReadProperty(std::string_view name, const Variant& default_value) const {
-  auto it = values_.find(UpperCase(name));
-  return it == values_.end() ? default_value.Deref() : it->second;
-}
-
-void PropertyBag::WriteProperty(std::string_view name, const Variant& value,
-                                const Variant& default_value) {
-  if (SameValue(value.Deref(), default_value.Deref())) {
-    values_.erase(UpperCase(name));
-  } else {
-    values_[UpperCase(name)] = value.Deref();
-  }
-}
-
-bool PropertyBag::Contains(std::string_view name) const {
-  return values_.contains(UpperCase(name));
-}
-
 ControlShell::ControlShell(const ShellTraits& traits) : size_(traits.size) {
   if (size_ == ShellSize::kImage) {
     Image1 = Image{};

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "qorvel/frame/property_bag.h"
 #include "qorvel/platform/variant.h"
 
 namespace qorvel {
@@ -27,20 +28,6 @@ struct Image {
   float Width = 480;  // 32 pixels at 15 twips to the pixel
   float Height = 480;
   std::span<const uint8_t> Picture;
-};
-
-// The saved state of one control, by property name (any case). A value equal to its default
-// is left out, and a missing name reads as the default, so the two must be given alike.
-class PropertyBag {
- public:
-  Variant ReadProperty(std::string_view name, const Variant& default_value = Variant()) const;
-  void WriteProperty(std::string_view name, const Variant& value,
-                     const Variant& default_value = Variant());
-  bool Contains(std::string_view name) const;
-  size_t size() const { return values_.size(); }
-
- private:
-  std::map<std::string, Variant> values_;  // by upper-cased name
 };
 
 class Container;

@@ -1,0 +1,214 @@
+#include "qorvel/frame/form_file.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "qorvel/platform/error.h"
+
+namespace qorvel {
+namespace {
+
+constexpr std::string_view kHeader = "QorvelOLE form 1";
+
+std::string Quoted(const std::string& text) {
+  std::string out = "\"";
+  for (char c : text) {
+    switch (c) {
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out + "\"";
+}
+
+std::string ValueText(const Variant& v) {
+  char number[32];
+  switch (v.type()) {
+    case VarType::kInteger:
+      return "Integer " + std::to_string(v.ToInteger());
+    case VarType::kLong:
+      return "Long " + std::to_string(v.ToLong());
+    case VarType::kBool:
+      return "Boolean " + std::to_string(RawBool(v.ToBool()));
+    case VarType::kDouble:
+      std::snprintf(number, sizeof number, "%.17g", v.ToDouble());
+      return std::string("Double ") + number;
+    case VarType::kText:
+      return "String " + Quoted(v.ToText());
+    case VarType::kEmpty:
+      return "Empty";
+    case VarType::kNull:
+      return "Null";
+    default:
+      Raise(err::kTypeMismatch, "A form file keeps no arrays or objects");
+  }
+}
+
+bool IsName(std::string_view s) {
+  if (s.empty() || !(std::isalpha(static_cast<unsigned char>(s[0])) || s[0] == '_')) return false;
+  for (char c : s) {
+    if (!(std::isalnum(static_cast<unsigned char>(c)) || c == '_')) return false;
+  }
+  return true;
+}
+
+std::string_view Trim(std::string_view s) {
+  const size_t first = s.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return {};
+  return s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
+}
+
+// Reads a form line by line; every fault names the source and the line.
+class Reader {
+ public:
+  explicit Reader(std::string_view source) : source_(source) {}
+
+  std::vector<SavedControl> Read(std::string_view text) {
+    bool header = false;
+    for (size_t pos = 0; pos <= text.size();) {
+      const size_t end = std::min(text.find('\n', pos), text.size());
+      const std::string_view line = Trim(text.substr(pos, end - pos));
+      ++line_;
+      pos = end + 1;
+      if (line.empty() || line[0] == ';') continue;
+      if (!header) {
+        if (line != kHeader) Fail("not a form file (expected \"" + std::string(kHeader) + "\")");
+        header = true;
+      } else {
+        Line(line);
+      }
+    }
+    if (!header) Fail("empty file");
+    if (open_) Fail("the block of " + controls_.back().name + " has no End");
+    return std::move(controls_);
+  }
+
+ private:
+  [[noreturn]] void Fail(const std::string& what) const {
+    Raise(err::kInvalidCall,
+          std::string(source_) + ": line " + std::to_string(line_) + ": " + what);
+  }
+
+  void Line(std::string_view line) {
+    if (line.starts_with("Begin ")) return Begin(Trim(line.substr(6)));
+    if (line == "End") {
+      if (!open_) Fail("End without Begin");
+      open_ = false;
+      return;
+    }
+    if (!open_) Fail("a property outside a Begin ... End block");
+    const size_t equals = line.find('=');
+    if (equals == std::string_view::npos) Fail("expected: Name = Type value");
+    const std::string_view name = Trim(line.substr(0, equals));
+    if (!IsName(name)) Fail("not a property name: " + std::string(name));
+    PropertyBag& bag = controls_.back().bag;
+    if (bag.Contains(name)) Fail("the property " + std::string(name) + " comes twice");
+    bag.Restore(name, Value(Trim(line.substr(equals + 1))));
+  }
+
+  void Begin(std::string_view rest) {
+    if (open_) Fail("Begin inside the block of " + controls_.back().name);
+    const size_t blank = rest.find(' ');
+    const std::string_view class_name = rest.substr(0, blank);
+    const std::string_view name = blank == std::string_view::npos ? "" : Trim(rest.substr(blank));
+    if (!IsName(class_name) || !IsName(name)) Fail("expected: Begin Class Name");
+    for (const SavedControl& c : controls_) {
+      if (c.name == name) Fail("a second control named " + std::string(name));
+    }
+    controls_.push_back({std::string(class_name), std::string(name), {}});
+    open_ = true;
+  }
+
+  Variant Value(std::string_view text) {
+    const size_t blank = text.find(' ');
+    const std::string_view type = text.substr(0, blank);
+    const std::string_view rest = blank == std::string_view::npos ? "" : Trim(text.substr(blank));
+    if (type == "Empty" || type == "Null") {
+      if (!rest.empty()) Fail(std::string(type) + " takes no value");
+      return type == "Empty" ? Variant() : Variant::Null();
+    }
+    if (type == "String") return Variant(Unquoted(rest));
+    if (type == "Double") {
+      double d = 0;
+      const auto [end, ec] = std::from_chars(rest.data(), rest.data() + rest.size(), d);
+      if (ec != std::errc() || end != rest.data() + rest.size() || !std::isfinite(d)) {
+        Fail("not a Double: " + std::string(rest));
+      }
+      return Variant(d);
+    }
+    int64_t n = 0;
+    const auto [end, ec] = std::from_chars(rest.data(), rest.data() + rest.size(), n);
+    const bool whole = ec == std::errc() && end == rest.data() + rest.size();
+    if (type == "Long" && whole && n >= INT32_MIN && n <= INT32_MAX) return Variant(int32_t(n));
+    const bool short_int = whole && n >= INT16_MIN && n <= INT16_MAX;
+    if (type == "Integer" && short_int) return Variant(int16_t(n));
+    if (type == "Boolean" && short_int) return Variant(MakeVariantBool(int16_t(n)));
+    if (type == "Integer" || type == "Long" || type == "Boolean") {
+      Fail("not " + std::string(type == "Integer" ? "an " : "a ") + std::string(type) + ": " +
+           std::string(rest));
+    }
+    Fail("unknown type: " + std::string(type));
+  }
+
+  std::string Unquoted(std::string_view text) {
+    if (text.size() < 2 || text.front() != '"' || text.back() != '"') Fail("a String in quotes");
+    std::string out;
+    for (size_t i = 1; i + 1 < text.size(); ++i) {
+      char c = text[i];
+      if (c == '"') Fail("a quote inside a String must be written \\\"");
+      if (c == '\\') {
+        if (i + 2 >= text.size()) Fail("a String ends in a lone backslash");
+        const char e = text[++i];
+        c = e == 'r' ? '\r' : e == 'n' ? '\n' : e == 't' ? '\t' : e;
+        if (e != 'r' && e != 'n' && e != 't' && e != '"' && e != '\\') {
+          Fail(std::string("unknown escape \\") + e);
+        }
+      }
+      out += c;
+    }
+    return out;
+  }
+
+  std::string_view source_;
+  int line_ = 0;
+  bool open_ = false;
+  std::vector<SavedControl> controls_;
+};
+
+}  // namespace
+
+std::string FormText(const std::vector<SavedControl>& controls) {
+  std::string text = std::string(kHeader) + "\n";
+  for (const SavedControl& c : controls) {
+    text += "Begin " + c.class_name + " " + c.name + "\n";
+    for (const auto& [name, value] : c.bag.entries()) {
+      text += "  " + name + " = " + ValueText(value) + "\n";
+    }
+    text += "End\n";
+  }
+  return text;
+}
+
+std::vector<SavedControl> ParseFormText(std::string_view text, std::string_view source) {
+  return Reader(source).Read(text);
+}
+
+}  // namespace qorvel
