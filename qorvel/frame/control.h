@@ -51,13 +51,19 @@ class Control final : public ClassObject, public ControlShell {
   C object_;
 };
 
-// A new control of class C in the run-time container, in the shell C declares (C::kShell) with
-// its class's picture: Initialize and Resize have run, and Terminate runs when the last
-// reference goes.
+// A new control of class C sited in `form`, in the shell C declares (C::kShell) with its
+// class's picture: Initialize, then InitProperties or ReadProperties of `saved`, then Resize
+// have run, and Terminate runs when the last reference goes.
+template <class C>
+AutomationObject SiteControl(Container& form, const PropertyBag* saved) {
+  const ShellTraits traits{C::kShell, ControlPicture(BindingsOf<C>().class_info().name)};
+  return form.Site(std::make_unique<Control<C>>(traits), saved);
+}
+
+// The same in the run-time container, where the controls that nobody placed elsewhere sit.
 template <class C>
 AutomationObject NewControl() {
-  const ShellTraits traits{C::kShell, ControlPicture(BindingsOf<C>().class_info().name)};
-  return Container::RunTime().Site(std::make_unique<Control<C>>(traits));
+  return SiteControl<C>(Container::RunTime(), nullptr);
 }
 
 }  // namespace qorvel

@@ -3,6 +3,7 @@
 #include "qorvel/frame/control.h"
 #include "qorvel/machining/tarvik3_face.h"
 #include "qorvel/modelling/ulmora27_face.h"
+#include "qorvel/platform/error.h"
 #include "qorvel/platform/text.h"
 #include "qorvel/session/zebrin_face.h"
 #include "qorvel/widgets/point_class_face.h"
@@ -13,23 +14,37 @@ namespace {
 struct LibraryClass {
   const char* name;
   ClassFactory make;
+  AutomationObject (*site)(Container&, const PropertyBag*);  // nullptr for a plain class
 };
 
 // The classes built so far; the type library publishes all seven.
 constexpr LibraryClass kClasses[] = {
-    {"Zebrin", &NewControl<Zebrin>},
-    {"Tarvik3", &NewControl<Tarvik3>},
-    {"Ulmora27", &NewControl<Ulmora27>},
-    {"PointClass", &NewInstance<PointClass>},
+    {"Zebrin", &NewControl<Zebrin>, &SiteControl<Zebrin>},
+    {"Tarvik3", &NewControl<Tarvik3>, &SiteControl<Tarvik3>},
+    {"Ulmora27", &NewControl<Ulmora27>, &SiteControl<Ulmora27>},
+    {"PointClass", &NewInstance<PointClass>, nullptr},
 };
+
+const LibraryClass* Find(std::string_view class_name) {
+  for (const LibraryClass& c : kClasses) {
+    if (EqualsNoCase(c.name, class_name)) return &c;
+  }
+  return nullptr;
+}
 
 }  // namespace
 
 ClassFactory FactoryOf(std::string_view class_name) {
-  for (const LibraryClass& c : kClasses) {
-    if (EqualsNoCase(c.name, class_name)) return c.make;
-  }
-  return nullptr;
+  const LibraryClass* c = Find(class_name);
+  return c ? c->make : nullptr;
+}
+
+AutomationObject SiteControl(std::string_view class_name, Container& form,
+                             const PropertyBag* saved) {
+  const LibraryClass* c = Find(class_name);
+  if (c == nullptr) Raise(err::kCantCreate);
+  if (c->site == nullptr) Raise(err::kInvalidCall, std::string(c->name) + " is no control");
+  return c->site(form, saved);
 }
 
 }  // namespace qorvel

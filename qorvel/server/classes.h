@@ -7,6 +7,9 @@
 
 namespace qorvel {
 
+class Container;
+class PropertyBag;
+
 // What makes a new instance of a published class: a control comes sited in the run-time
 // container, a plain class bare.
 using ClassFactory = AutomationObject (*)();
@@ -14,6 +17,11 @@ using ClassFactory = AutomationObject (*)();
 // The factory of a class of the library by name (any case); nullptr for a class that isn't
 // built yet or isn't the library's.
 ClassFactory FactoryOf(std::string_view class_name);
+
+// A new control of the library's class `class_name` (any case) sited in `form`, from `saved`
+// when it isn't null. 429 for a class that isn't built; 5 for a class that is no control.
+AutomationObject SiteControl(std::string_view class_name, Container& form,
+                             const PropertyBag* saved);
 
 }  // namespace qorvel
 

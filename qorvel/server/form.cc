@@ -1,0 +1,92 @@
+#include "qorvel/server/form.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "qorvel/frame/dispatch_face.h"
+#include "qorvel/frame/form_file.h"
+#include "qorvel/platform/error.h"
+#include "qorvel/platform/text.h"
+#include "qorvel/server/classes.h"
+
+namespace qorvel {
+namespace {
+
+constexpr std::string_view kProgIdPrefix = "QorvelOLE.";
+constexpr uintmax_t kMostFormBytes = 16 << 20;  // a form holds a few lines a control
+
+std::string_view ClassName(std::string_view name) {
+  if (name.size() > kProgIdPrefix.size() &&
+      EqualsNoCase(name.substr(0, kProgIdPrefix.size()), kProgIdPrefix)) {
+    name.remove_prefix(kProgIdPrefix.size());
+  }
+  return name;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::error_code ec;
+  const auto status = std::filesystem::status(path, ec);
+  if (!std::filesystem::exists(status)) Raise(err::kFileNotFound, path + ": file not found");
+  if (std::filesystem::is_directory(status)) Raise(err::kInvalidCall, path + ": a directory");
+  if (std::filesystem::is_regular_file(status) &&
+      std::filesystem::file_size(path, ec) > kMostFormBytes) {
+    Raise(err::kInvalidCall, path + ": too large for a form");
+  }
+  std::ifstream file(path, std::ios::binary);
+  std::string text(kMostFormBytes + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (file.bad()) Raise(err::kInvalidCall, path + ": can't be read");
+  text.resize(static_cast<size_t>(file.gcount()));
+  if (text.size() > kMostFormBytes) Raise(err::kInvalidCall, path + ": too large for a form");
+  return text;
+}
+
+}  // namespace
+
+AutomationObject Form::Site(std::string_view class_name, const std::string& name,
+                            const PropertyBag* saved) {
+  if (name.empty() || Find(name)) {
+    Raise(err::kInvalidCall, "The form has a control named " + name + " already, or no name");
+  }
+  AutomationObject control = SiteControl(ClassName(class_name), container_, saved);
+  controls_.emplace_back(name, control);
+  return control;
+}
+
+AutomationObject Form::Add(std::string_view class_name, const std::string& name) {
+  return Site(class_name, name, nullptr);
+}
+
+AutomationObject Form::Find(std::string_view name) const {
+  for (const auto& [n, control] : controls_) {
+    if (EqualsNoCase(n, name)) return control;
+  }
+  return nullptr;
+}
+
+std::string Form::Text() const {
+  std::vector<SavedControl> saved;
+  for (const auto& [name, control] : controls_) {
+    auto shell = std::dynamic_pointer_cast<ControlShell>(control);
+    auto face = std::dynamic_pointer_cast<ClassObject>(control);
+    saved.push_back({face->class_info().name, name, Container::Save(*shell)});
+  }
+  return FormText(saved);
+}
+
+void Form::Save(const std::string& path) const {
+  const std::string text = Text();
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file << text;
+  if (!file.flush()) Raise(err::kInvalidCall, path + ": can't be written");
+}
+
+std::unique_ptr<Form> Form::Load(const std::string& path, bool user_mode) {
+  const std::vector<SavedControl> saved = ParseFormText(ReadFile(path), path);
+  auto form = std::make_unique<Form>(user_mode);
+  for (const SavedControl& c : saved) form->Site(c.class_name, c.name, &c.bag);
+  return form;
+}
+
+}  // namespace qorvel
