@@ -5,6 +5,7 @@
 #include "qorvel/modelling/ulmora27_face.h"
 #include "qorvel/platform/text.h"
 #include "qorvel/session/zebrin_face.h"
+#include "qorvel/widgets/value_box_face.h"
 
 namespace qorvel {
 namespace {
@@ -19,6 +20,7 @@ constexpr LibraryClass kClasses[] = {
     {"Zebrin", &NewControl<Zebrin>},
     {"Tarvik3", &NewControl<Tarvik3>},
     {"Ulmora27", &NewControl<Ulmora27>},
+    {"ValueBox", &NewControl<ValueBox>},
 };
 
 }  // namespace
