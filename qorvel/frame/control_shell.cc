@@ -6,6 +6,7 @@ ControlShell::ControlShell(const ShellTraits& traits) : size_(traits.size) {
     Image1 = Image{};
     Image1->Picture = traits.picture;
   } else {
+    if (size_ == ShellSize::kTextBox) Text1.emplace();
     user_control.Picture = traits.picture;
   }
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "qorvel/frame/property_bag.h"
+#include "qorvel/platform/text_box.h"
 #include "qorvel/platform/variant.h"
 
 namespace qorvel {
@@ -37,14 +38,15 @@ enum class ShellSize {
   kHostControl,  // 500 by 500, whatever is asked; the picture on the UserControl
   kImage,        // that of Image1, which holds the picture
   kFree,         // as the container asks, or as the control's own Resize sets it
+  kTextBox,      // free, with a Text1 at (0, 0) that the control's own Resize sizes
 };
 struct ShellTraits {
   ShellSize size;
   std::span<const uint8_t> picture;
 };
 
-// What every control shares as a control: its surface, its Image1 if it has one, the events
-// its container sends and the ambient properties it reads. A control overrides the handlers
+// What every control shares as a control: its surface, its Image1 or Text1 if it has one, the
+// events its container sends and the ambient properties it reads. A control overrides the handlers
 // it has; the default Resize keeps the size its traits give.
 class ControlShell {
  public:
@@ -68,7 +70,8 @@ class ControlShell {
   Container* container() const { return container_; }
 
   UserControl user_control;
-  std::optional<Image> Image1;  // only the controls whose size is that of their image
+  std::optional<Image> Image1;   // only the controls whose size is that of their image
+  std::optional<TextBox> Text1;  // only the controls that are a text box (kTextBox)
 
  private:
   friend class Container;

@@ -14,7 +14,7 @@ class TextBoxEvents {
   virtual void Text1_Change() {}
   virtual void Text1_GotFocus() {}
   virtual void Text1_LostFocus() {}
-  virtual void Text1_KeyPress(int16_t& KeyAscii) {}
+  virtual void Text1_KeyPress(int16_t& /*KeyAscii*/) {}
 };
 
 // A model of the platform's standard single-line text box, which a container gives a control
@@ -26,7 +26,10 @@ class TextBox {
 
   const std::string& Text() const { return text_; }
   // Replaces the text, puts the caret at 0 with nothing selected, and runs the change handler
-  // before it returns.
+  // before it returns. As the platform's box raises Change only when the text really changes,
+  // a write of the same text runs no handler (the caret still goes to 0); the same holds for
+  // typing and pasting. The number box rewrites its text only with its handler blocked, so it
+  // doesn't depend on this.
   void SetText(std::string text);
   int32_t SelStart() const { return sel_start_; }
   void SetSelStart(int32_t position);  // limited to 0 .. the text's length; the selection goes
@@ -43,8 +46,9 @@ class TextBox {
 
   // The user at the keyboard. The key press handler sees the key first; a key that passes is
   // typed: a character replaces the selection at the caret, Backspace (8) deletes the selection
-  // or the character before the caret, Ctrl+V (22) pastes the clipboard's text the same way;
-  // other control keys change nothing. A locked box runs the handler and takes nothing.
+  // or the character before the caret, Ctrl+V (22) pastes the clipboard's first line the same
+  // way, Ctrl+C (3) copies the selection to the clipboard; other control keys, DEL (127) and
+  // codes outside a byte change nothing. A locked box runs the handler and takes nothing.
   void TypeKey(int16_t key);
   // Focus comes and goes: the got-focus and lost-focus handlers.
   void GotFocus();

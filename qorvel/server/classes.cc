@@ -7,6 +7,7 @@
 #include "qorvel/platform/text.h"
 #include "qorvel/session/zebrin_face.h"
 #include "qorvel/widgets/point_class_face.h"
+#include "qorvel/widgets/value_box_face.h"
 
 namespace qorvel {
 namespace {
@@ -22,6 +23,7 @@ constexpr LibraryClass kClasses[] = {
     {"Zebrin", &NewControl<Zebrin>, &SiteControl<Zebrin>},
     {"Tarvik3", &NewControl<Tarvik3>, &SiteControl<Tarvik3>},
     {"Ulmora27", &NewControl<Ulmora27>, &SiteControl<Ulmora27>},
+    {"ValueBox", &NewControl<ValueBox>, &SiteControl<ValueBox>},
     {"PointClass", &NewInstance<PointClass>, nullptr},
 };
 
