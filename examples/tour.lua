@@ -1,5 +1,6 @@
 -- A tour of QorvelOLE: a Zebrin session, a machining session with Tarvik3 and a modelling
--- session with Ulmora27, all against the simulated hosts. Run it with: qvsh examples/tour.lua
+-- session with Ulmora27, all against the simulated hosts, then a ValueBox typed into on a form
+-- and a PointClass. Run it with: qvsh examples/tour.lua
 
 -- One line of the session: a label, then the values.
 local function show(label, ...)
@@ -134,3 +135,54 @@ show("an Ulmora 2600: connected", ulmora.Connected)
 Sim.SetVersion(modeller, 2700)
 ulmora:Disconnect()
 show("message boxes shown", #MessageBoxes())
+
+print()
+print("== ValueBox, a number-entry box, and PointClass")
+local form = Form()                        -- a form in run mode holds the box
+local amount = form:Add("ValueBox", "Amount")
+local events = 0
+Advise(amount, {ValueChanged = function() events = events + 1 end})
+local box = Text1(amount)
+
+-- Types text key by key and shows what the box and the control hold after it.
+local function type_into(label, control, keys)
+  local before = events
+  Text1(control):Type(keys)
+  show(label, ("%q"):format(Text1(control).Text), "value " .. tostring(control.value),
+    "events " .. (events - before))
+end
+
+Regional.SetDecimal(".")
+box:Focus()
+type_into("point region: 12.5", amount, "12.5")
+type_into("a second point, swallowed", amount, ".")
+box:Key(8)                                 -- Backspace
+show("after Backspace", ("%q"):format(box.Text), amount.value)
+box.Text = ""
+type_into("a leading point", amount, ".75")
+type_into("a letter, swallowed", amount, "x")
+amount.DecimalPlaces = 3
+show("TextValue with 3 places", amount.TextValue)
+
+Regional.SetDecimal(",")                   -- a comma region: the grouping symbol becomes "."
+local comma = form:Add("ValueBox", "Comma")  -- reads the symbol when it starts
+Advise(comma, {ValueChanged = function() events = events + 1 end})
+box = Text1(comma)
+type_into("comma region: 3,25", comma, "3,25")
+type_into("the point, swallowed", comma, ".")
+Clipboard.SetText("7")
+box.SelStart = 0
+box.SelLength = #box.Text
+box:Key(22)                                -- Ctrl+V over the whole text
+show("pasted 7 over it", ("%q"):format(box.Text), comma.value)
+Regional.SetDecimal(".")
+
+comma.value = 2.5                          -- the client's write: the event comes
+comma.SetValue = 4                         -- the silent write: no event
+show("after value = 2.5, SetValue 4", comma.value, "events so far " .. events)
+local ok, err = pcall(function() return comma.DecimalPlaces end)
+show("DecimalPlaces at run time", tostring(err))
+
+local point = CreateObject("QorvelOLE.PointClass")
+point.Y = 2.5
+show("a PointClass", point.X, point.Y, point.Z)

@@ -34,6 +34,7 @@ lua_State* NewShell() {
   qvsh::OpenObjects(L);
   qvsh::OpenLibrary(L);
   qvsh::OpenPlatform(L);
+  qvsh::OpenForms(L);
   qvsh::OpenSimulators(L);
   return L;
 }

@@ -1,0 +1,328 @@
+// Forms, text boxes, event handlers and the clipboard as scripts use them: a form holds named
+// controls in run mode or design mode and is saved to a file; Text1 of a control is typed into
+// key by key; a table of Lua functions hears a control's events.
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "qorvel/frame/dispatch_face.h"
+#include "qorvel/platform/env.h"
+#include "qorvel/platform/error.h"
+#include "qorvel/server/form.h"
+#include "shell/lua_errors.h"
+#include "shell/lua_values.h"
+#include "shell/qvsh.h"
+
+namespace qvsh {
+namespace {
+
+using qorvel::AutomationObject;
+using qorvel::Form;
+
+constexpr const char* kFormMeta = "qvsh.form";
+constexpr const char* kTextBoxMeta = "qvsh.textbox";
+
+// A userdata that holds a shared value; its finalizer lets go of the value and leaves the
+// userdata empty, so a finalizer that reaches it later gets error 91, not freed memory.
+template <class T>
+struct Holder {
+  std::shared_ptr<T> value;
+};
+
+template <class T>
+void Push(lua_State* L, std::shared_ptr<T> value, const char* meta) {
+  new (lua_newuserdatauv(L, sizeof(Holder<T>), 0)) Holder<T>{std::move(value)};
+  luaL_setmetatable(L, meta);
+}
+
+template <class T>
+std::shared_ptr<T> Held(lua_State* L, int arg, const char* meta, const char* what) {
+  auto* holder = static_cast<Holder<T>*>(luaL_testudata(L, arg, meta));
+  if (holder == nullptr) throw ArgError(arg, std::string(what) + " expected");
+  if (!holder->value) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  return holder->value;
+}
+
+template <class T>
+int Release(lua_State* L) {
+  static_cast<Holder<T>*>(lua_touserdata(L, 1))->value.reset();
+  return 0;
+}
+
+AutomationObject ArgControl(lua_State* L, int arg) {
+  const AutomationObject* object = TestObject(L, arg);
+  if (object == nullptr) throw ArgError(arg, "automation object expected");
+  if (!*object) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  return *object;
+}
+
+// Forms.
+
+int NewForm(lua_State* L) {
+  const bool user_mode = lua_isnoneornil(L, 1) || lua_toboolean(L, 1);
+  Push(L, std::make_shared<Form>(user_mode), kFormMeta);
+  return 1;
+}
+
+int LoadForm(lua_State* L) {
+  const bool user_mode = lua_isnoneornil(L, 2) || lua_toboolean(L, 2);
+  Push(L, std::shared_ptr<Form>(Form::Load(ArgString(L, 1), user_mode)), kFormMeta);
+  return 1;
+}
+
+std::shared_ptr<Form> ArgForm(lua_State* L) { return Held<Form>(L, 1, kFormMeta, "form"); }
+
+int FormAdd(lua_State* L) {
+  PushObject(L, ArgForm(L)->Add(ArgString(L, 2), ArgString(L, 3)));
+  return 1;
+}
+
+int FormControl(lua_State* L) {
+  AutomationObject control = ArgForm(L)->Find(ArgString(L, 2));
+  if (!control) return 0;
+  PushObject(L, std::move(control));
+  return 1;
+}
+
+int FormNames(lua_State* L) {
+  const auto form = ArgForm(L);
+  lua_createtable(L, int(form->controls().size()), 0);
+  for (size_t i = 0; i < form->controls().size(); ++i) {
+    lua_pushstring(L, form->controls()[i].first.c_str());
+    lua_rawseti(L, -2, lua_Integer(i + 1));
+  }
+  return 1;
+}
+
+int FormSave(lua_State* L) {
+  ArgForm(L)->Save(ArgString(L, 2));
+  return 0;
+}
+
+int FormText(lua_State* L) {
+  lua_pushstring(L, ArgForm(L)->Text().c_str());
+  return 1;
+}
+
+int FormChanges(lua_State* L) {
+  const std::vector<std::string> changes = ArgForm(L)->container().property_changes();
+  lua_createtable(L, int(changes.size()), 0);
+  for (size_t i = 0; i < changes.size(); ++i) {
+    lua_pushstring(L, changes[i].c_str());
+    lua_rawseti(L, -2, lua_Integer(i + 1));
+  }
+  return 1;
+}
+
+int FormIndex(lua_State* L) {
+  const auto form = ArgForm(L);
+  const std::string key = ArgString(L, 2);
+  if (key == "UserMode") {
+    lua_pushboolean(L, form->container().UserMode);
+    return 1;
+  }
+  luaL_getmetatable(L, kFormMeta);
+  lua_getfield(L, -1, key.c_str());
+  return 1;
+}
+
+int FormNewIndex(lua_State* L) {
+  const auto form = ArgForm(L);
+  if (ArgString(L, 2) != "UserMode") throw ArgError(2, "only UserMode can be set on a form");
+  form->container().UserMode = lua_toboolean(L, 3);
+  return 0;
+}
+
+// Text boxes: the Text1 of a control, kept alive by the handle.
+
+struct TextBoxHandle {
+  AutomationObject control;
+  qorvel::TextBox* box;
+};
+
+int Text1(lua_State* L) {
+  AutomationObject control = ArgControl(L, 1);
+  auto shell = std::dynamic_pointer_cast<qorvel::ControlShell>(control);
+  if (!shell || !shell->Text1) throw ArgError(1, "a control with a text box expected");
+  qorvel::TextBox* box = &*shell->Text1;
+  Push(L, std::make_shared<TextBoxHandle>(TextBoxHandle{std::move(control), box}), kTextBoxMeta);
+  return 1;
+}
+
+qorvel::TextBox& ArgBox(lua_State* L) {
+  return *Held<TextBoxHandle>(L, 1, kTextBoxMeta, "text box")->box;
+}
+
+int BoxType(lua_State* L) {
+  qorvel::TextBox& box = ArgBox(L);
+  for (unsigned char c : ArgString(L, 2)) box.TypeKey(static_cast<int16_t>(c));
+  return 0;
+}
+
+int BoxKey(lua_State* L) {
+  const lua_Integer key = ArgInteger(L, 2);
+  if (key < INT16_MIN || key > INT16_MAX) throw ArgError(2, "a 16-bit key code expected");
+  ArgBox(L).TypeKey(static_cast<int16_t>(key));
+  return 0;
+}
+
+int BoxFocus(lua_State* L) {
+  ArgBox(L).GotFocus();
+  return 0;
+}
+
+int BoxBlur(lua_State* L) {
+  ArgBox(L).LostFocus();
+  return 0;
+}
+
+int BoxIndex(lua_State* L) {
+  const qorvel::TextBox& box = ArgBox(L);
+  const std::string key = ArgString(L, 2);
+  if (key == "Text") {
+    lua_pushlstring(L, box.Text().data(), box.Text().size());
+  } else if (key == "SelStart") {
+    lua_pushinteger(L, box.SelStart());
+  } else if (key == "SelLength") {
+    lua_pushinteger(L, box.SelLength());
+  } else if (key == "SelText") {
+    lua_pushstring(L, box.SelText().c_str());
+  } else if (key == "Locked") {
+    lua_pushboolean(L, box.Locked);
+  } else if (key == "BackColor") {
+    lua_pushinteger(L, box.BackColor);
+  } else if (key == "Left" || key == "Top" || key == "Width" || key == "Height") {
+    lua_pushnumber(L, key == "Left"    ? box.Left
+                      : key == "Top"   ? box.Top
+                      : key == "Width" ? box.Width
+                                       : box.Height);
+  } else {
+    luaL_getmetatable(L, kTextBoxMeta);
+    lua_getfield(L, -1, key.c_str());
+  }
+  return 1;
+}
+
+int BoxNewIndex(lua_State* L) {
+  qorvel::TextBox& box = ArgBox(L);
+  const std::string key = ArgString(L, 2);
+  if (key == "Text") {
+    box.SetText(ArgString(L, 3));
+  } else if (key == "SelStart" || key == "SelLength") {
+    const lua_Integer n = ArgInteger(L, 3);
+    if (n < INT32_MIN || n > INT32_MAX) throw ArgError(3, "beyond 32 bits");
+    key == "SelStart" ? box.SetSelStart(int32_t(n)) : box.SetSelLength(int32_t(n));
+  } else {
+    throw ArgError(2, "Text, SelStart or SelLength expected");
+  }
+  return 0;
+}
+
+// Events: a table of Lua functions by event name hears a control's outgoing interface.
+
+class LuaSink : public qorvel::Dispatch {
+ public:
+  LuaSink(lua_State* L, int handlers, const qorvel::InterfaceInfo& events)
+      : L_(L), handlers_(handlers), events_(events) {}
+
+  qorvel::Variant Invoke(std::string_view, qorvel::CallKind, std::span<qorvel::Variant>) override {
+    qorvel::Raise(qorvel::err::kNoMember);
+  }
+
+  // A handler's own error is printed and the control goes on, as a client's handler error is
+  // the client's affair.
+  qorvel::Variant InvokeById(int32_t dispid, qorvel::CallKind,
+                             std::span<qorvel::Variant> args) override {
+    const qorvel::MemberInfo* event =
+        qorvel::FindMember(events_, dispid, qorvel::MemberKind::kMethod);
+    if (event == nullptr) return {};
+    const int top = lua_gettop(L_);
+    lua_rawgeti(L_, LUA_REGISTRYINDEX, handlers_);
+    lua_getfield(L_, -1, event->name.c_str());
+    if (lua_isfunction(L_, -1)) {
+      for (const qorvel::Variant& a : args) PushVariant(L_, a.Deref());
+      if (lua_pcall(L_, int(args.size()), 0, 0) != LUA_OK) {
+        std::cerr << "qvsh: " << event->name << " handler: " << ErrorText(L_, -1) << std::endl;
+      }
+    }
+    lua_settop(L_, top);
+    return {};
+  }
+
+ private:
+  lua_State* L_;
+  int handlers_;  // a reference in the registry, kept for the life of the state
+  const qorvel::InterfaceInfo& events_;
+};
+
+std::shared_ptr<qorvel::ClassObject> ArgClassObject(lua_State* L) {
+  auto object = std::dynamic_pointer_cast<qorvel::ClassObject>(ArgControl(L, 1));
+  if (!object) throw ArgError(1, "an object of the library expected");
+  return object;
+}
+
+int Advise(lua_State* L) {
+  const auto object = ArgClassObject(L);
+  ArgTable(L, 2);
+  if (object->event_interface() == nullptr) throw qorvel::Error(qorvel::err::kNoMember);
+  lua_pushvalue(L, 2);
+  const int handlers = luaL_ref(L, LUA_REGISTRYINDEX);
+  lua_pushinteger(
+      L, object->Advise(std::make_shared<LuaSink>(L, handlers, *object->event_interface())));
+  return 1;
+}
+
+int Unadvise(lua_State* L) {
+  const lua_Integer cookie = ArgInteger(L, 2);
+  ArgClassObject(L)->Unadvise(static_cast<int32_t>(cookie));
+  return 0;
+}
+
+int ClipboardSet(lua_State* L) {
+  qorvel::Env::Current().clipboard().SetText(ArgString(L, 1));
+  return 0;
+}
+
+int ClipboardGet(lua_State* L) {
+  lua_pushstring(L, qorvel::Env::Current().clipboard().GetText().c_str());
+  return 1;
+}
+
+void NewMeta(lua_State* L, const char* meta, const luaL_Reg* methods) {
+  luaL_newmetatable(L, meta);
+  luaL_setfuncs(L, methods, 0);
+  lua_pop(L, 1);
+}
+
+}  // namespace
+
+void OpenForms(lua_State* L) {
+  const luaL_Reg form[] = {{"__index", Protected<FormIndex>},
+                           {"__newindex", Protected<FormNewIndex>},
+                           {"__gc", Release<Form>},
+                           {"Add", Protected<FormAdd>},
+                           {"Control", Protected<FormControl>},
+                           {"Names", Protected<FormNames>},
+                           {"Save", Protected<FormSave>},
+                           {"Text", Protected<FormText>},
+                           {"Changes", Protected<FormChanges>},
+                           {nullptr, nullptr}};
+  NewMeta(L, kFormMeta, form);
+  const luaL_Reg box[] = {{"__index", Protected<BoxIndex>}, {"__newindex", Protected<BoxNewIndex>},
+                          {"__gc", Release<TextBoxHandle>}, {"Type", Protected<BoxType>},
+                          {"Key", Protected<BoxKey>},       {"Focus", Protected<BoxFocus>},
+                          {"Blur", Protected<BoxBlur>},     {nullptr, nullptr}};
+  NewMeta(L, kTextBoxMeta, box);
+  lua_register(L, "Form", Protected<NewForm>);
+  lua_register(L, "LoadForm", Protected<LoadForm>);
+  lua_register(L, "Text1", Protected<Text1>);
+  lua_register(L, "Advise", Protected<Advise>);
+  lua_register(L, "Unadvise", Protected<Unadvise>);
+  const luaL_Reg clipboard[] = {{"SetText", Protected<ClipboardSet>},
+                                {"GetText", Protected<ClipboardGet>},
+                                {nullptr, nullptr}};
+  luaL_newlib(L, clipboard);
+  lua_setglobal(L, "Clipboard");
+}
+
+}  // namespace qvsh

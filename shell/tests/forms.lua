@@ -1,0 +1,61 @@
+-- Forms, text boxes, event handlers and the clipboard as a script uses them.
+local function check(got, want, what)
+  if got ~= want then error(("%s: got %s, want %s"):format(what, tostring(got), tostring(want)), 2) end
+end
+local function fails(number, f)
+  local ok, err = pcall(f)
+  check(not ok and err.number, number, "error number")
+end
+
+Regional.SetDecimal(".")
+local form = Form()
+local box = form:Add("QorvelOLE.ValueBox", "Amount")
+check(form:Control("amount"), box, "found by name in any case")
+fails(5, function() form:Add("ValueBox", "AMOUNT") end)
+fails(5, function() form:Add("PointClass", "P") end)
+fails(429, function() form:Add("UlmoraSurfaceInfo", "S") end)
+
+-- Typing goes through the key filter; every change of the number is an event.
+local heard = {}
+local cookie = Advise(box, {ValueChanged = function() heard[#heard + 1] = box.value end})
+local text = Text1(box)
+text:Focus()
+text:Type("-.5x")
+check(text.Text, "-0.5", "a 0 before the leading point, the letter swallowed")
+check(text.SelStart, 4, "the caret behind what was typed")
+check(table.concat(heard, " "), "-0.5", "one event, with the value already stored")
+Clipboard.SetText("12")
+text.SelStart = 0
+text.SelLength = #text.Text
+text:Key(22)
+check(box.value, 12, "pasted over the selection")
+Unadvise(box, cookie)
+box.value = 3
+check(#heard, 2, "no handler after Unadvise")
+fails(5, function() Unadvise(box, cookie) end)
+
+-- Saved with its values, loaded back without an event; defaults are left out of the file.
+form.UserMode = false                      -- design time: the design-time reads work
+box.DecimalPlaces = 3
+box.Readonly = true
+box.value = 2.5
+form:Add("ValueBox", "Fresh")
+local path = os.tmpname()
+form:Save(path)
+local file = io.open(path):read("a")
+check(file:find("Value = Double 2.5", 1, true) ~= nil, true, "the value saved")
+check(file:find("Begin ValueBox Fresh\nEnd", 1, true) ~= nil, true, "defaults leave nothing")
+local loaded = LoadForm(path, false)
+local again = loaded:Control("Amount")
+check(again.value, 2.5, "value")
+check(again.DecimalPlaces, 3, "places")
+check(again.Readonly, true, "read-only")
+check(Text1(again).Locked, true, "the locked box")
+check(Text1(loaded:Control("Fresh")).Text, "0", "a loaded control shows its 0, unlike a new one")
+os.remove(path)
+fails(53, function() LoadForm(path) end)
+
+-- The run-time reads of the design-time properties.
+loaded.UserMode = true
+fails(393, function() return again.DecimalPlaces end)
+print("forms: ok")
