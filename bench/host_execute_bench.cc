@@ -5,8 +5,8 @@
 #include "hosts/simulators.h"
 #include "qorvel/frame/control.h"
 #include "qorvel/frame/host_link.h"
-#include "qorvel/session/zebrin_face.h"
 #include "qorvel/platform/env_testing.h"
+#include "qorvel/session/zebrin_face.h"
 
 namespace {
 
