@@ -1,15 +1,12 @@
 #include "qorvel/platform/reg_file.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
-#include <filesystem>
-#include <fstream>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/file_bytes.h"
 
 namespace qorvel {
 namespace {
@@ -308,59 +305,11 @@ void CheckEncoding(std::string_view bytes, std::string_view source) {
   }
 }
 
-std::string SizeText(size_t bytes) {
-  constexpr size_t kMiB = size_t{1} << 20;
-  if (bytes >= kMiB && bytes % kMiB == 0) return std::to_string(bytes / kMiB) + " MiB";
-  return std::to_string(bytes) + " bytes";
-}
-
-[[noreturn]] void TooLarge(const std::string& path, size_t limit) {
-  Refuse(path, "more than " + SizeText(limit) + ", far more than a registry file holds");
-}
-
-[[noreturn]] void CantRead(const std::string& path, int error) {
-  Refuse(path,
-         "can't be read" + (error != 0 ? " (" + std::generic_category().message(error) + ")" : ""));
-}
-
 }  // namespace
 
 std::string ReadRegFile(const std::string& path, size_t limit) {
-  namespace fs = std::filesystem;
-  std::error_code ec;
-  const fs::file_status status = fs::status(path, ec);
-  if (status.type() == fs::file_type::not_found) {
-    Raise(err::kFileNotFound, path + ": file not found");
-  }
-  if (fs::is_directory(status)) Refuse(path, "a directory, not a registry file");
-  // A regular file tells its size, so one too large is refused unread; devices and pipes tell
-  // none and are cut off as they are read.
-  if (fs::is_regular_file(status) && fs::file_size(path, ec) > limit && !ec) {
-    TooLarge(path, limit);
-  }
-  errno = 0;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) CantRead(path, errno);
-  // In chunks, so a stream stops at the cap, or sooner once its first bytes show it holds no
-  // registry text, having taken no more memory than it gave; they are joined once it has ended.
-  constexpr size_t kChunk = 64 * 1024;
-  std::vector<std::string> chunks;
-  size_t total = 0;
-  while (file) {
-    // One byte past the limit tells a file of exactly the limit from a larger one.
-    std::string chunk(std::min(kChunk - 1, limit - total) + 1, '\0');
-    file.read(chunk.data(), std::streamsize(chunk.size()));
-    chunk.resize(size_t(file.gcount()));
-    total += chunk.size();
-    if (chunks.empty()) CheckEncoding(chunk, path);
-    if (total > limit) TooLarge(path, limit);
-    chunks.push_back(std::move(chunk));
-  }
-  if (file.bad()) CantRead(path, errno);
-  std::string bytes;
-  bytes.reserve(total);
-  for (std::string& chunk : chunks) bytes += std::exchange(chunk, {});
-  return bytes;
+  return ReadFileBytes(path, limit, "a registry file",
+                       [&](std::string_view start) { CheckEncoding(start, path); });
 }
 
 std::vector<RegOp> ParseRegText(std::string_view bytes, std::string_view source_name) {

@@ -1,12 +1,11 @@
 #include "qorvel/server/form.h"
 
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/form_file.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/file_bytes.h"
 #include "qorvel/platform/text.h"
 #include "qorvel/server/classes.h"
 
@@ -14,7 +13,7 @@ namespace qorvel {
 namespace {
 
 constexpr std::string_view kProgIdPrefix = "QorvelOLE.";
-constexpr uintmax_t kMostFormBytes = 16 << 20;  // a form holds a few lines a control
+constexpr size_t kMostFormBytes = size_t{16} << 20;  // a form holds a few lines a control
 
 std::string_view ClassName(std::string_view name) {
   if (name.size() > kProgIdPrefix.size() &&
@@ -22,24 +21,6 @@ std::string_view ClassName(std::string_view name) {
     name.remove_prefix(kProgIdPrefix.size());
   }
   return name;
-}
-
-std::string ReadFile(const std::string& path) {
-  std::error_code ec;
-  const auto status = std::filesystem::status(path, ec);
-  if (!std::filesystem::exists(status)) Raise(err::kFileNotFound, path + ": file not found");
-  if (std::filesystem::is_directory(status)) Raise(err::kInvalidCall, path + ": a directory");
-  if (std::filesystem::is_regular_file(status) &&
-      std::filesystem::file_size(path, ec) > kMostFormBytes) {
-    Raise(err::kInvalidCall, path + ": too large for a form");
-  }
-  std::ifstream file(path, std::ios::binary);
-  std::string text(kMostFormBytes + 1, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (file.bad()) Raise(err::kInvalidCall, path + ": can't be read");
-  text.resize(static_cast<size_t>(file.gcount()));
-  if (text.size() > kMostFormBytes) Raise(err::kInvalidCall, path + ": too large for a form");
-  return text;
 }
 
 }  // namespace
@@ -83,7 +64,8 @@ void Form::Save(const std::string& path) const {
 }
 
 std::unique_ptr<Form> Form::Load(const std::string& path, bool user_mode) {
-  const std::vector<SavedControl> saved = ParseFormText(ReadFile(path), path);
+  const std::vector<SavedControl> saved =
+      ParseFormText(ReadFileBytes(path, kMostFormBytes, "a form file"), path);
   auto form = std::make_unique<Form>(user_mode);
   for (const SavedControl& c : saved) form->Site(c.class_name, c.name, &c.bag);
   return form;
