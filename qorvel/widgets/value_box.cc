@@ -35,8 +35,8 @@ class ValueBox::Rewriting {
   ValueBox& box_;
 };
 
+// The shell gives Text1 to every control of kShell's kind.
 void ValueBox::Sited(ControlShell& shell, ClassObject& face) {
-  if (!shell.Text1) shell.Text1.emplace();
   shell_ = &shell;
   face_ = &face;
   text1_ = &*shell.Text1;
