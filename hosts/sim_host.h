@@ -121,6 +121,11 @@ class SimHost : public Dispatch, public std::enable_shared_from_this<SimHost> {
 
 // Where the simulated programs are "installed": launcher paths and registry entries match the
 // default .reg file in hosts/.
+// The automation class names the simulators register under, as the real programs do.
+inline constexpr const char* kZebrinClass = "Zebrin.Document";
+inline constexpr const char* kTarvikClass = "Tarvik.Document";
+inline constexpr const char* kUlmoraClass = "Ulmora.Application";
+
 inline constexpr const char* kZebrinProgram =
     "C:\\Program Files\\Halvern\\Zebrin\\2300\\zebrin.exe";
 inline constexpr const char* kTarvikProgram =

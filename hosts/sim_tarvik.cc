@@ -116,7 +116,7 @@ bool OneOf(const std::string& word, const T& list) {
 
 }  // namespace
 
-SimTarvik::SimTarvik() : SimHost("Tarvik.Document") { set_version(kDefaultVersion); }
+SimTarvik::SimTarvik() : SimHost(kTarvikClass) { set_version(kDefaultVersion); }
 
 // What the host would show in a dialog: information while message dialogs are on, the reason
 // for a rejected command while error dialogs are on.

@@ -123,7 +123,7 @@ std::optional<size_t> Index(std::string_view digits, size_t size) {
 
 }  // namespace
 
-SimUlmora::SimUlmora() : SimHost("Ulmora.Application", /*has_execute_ex=*/false) {
+SimUlmora::SimUlmora() : SimHost(kUlmoraClass, /*has_execute_ex=*/false) {
   set_version(kDefaultVersion);
 }
 

@@ -4,7 +4,7 @@
 
 namespace qorvel::hosts {
 
-SimZebrin::SimZebrin() : SimHost("Zebrin.Document") { set_version(kDefaultVersion); }
+SimZebrin::SimZebrin() : SimHost(kZebrinClass) { set_version(kDefaultVersion); }
 
 bool SimZebrin::information_window() const {
   std::lock_guard lock(mu_);

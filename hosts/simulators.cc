@@ -70,10 +70,8 @@ void InstallSimulatedHosts(std::chrono::milliseconds start_delay) {
   env.registry().LoadRegText(kDefaultReg, "simulated_hosts.reg");
   portable->programs().InstallProgram(kZebrinProgram, [&env] { Launch<SimZebrin>(env); });
   portable->programs().InstallProgram(kTarvikProgram, [&env] { Launch<SimTarvik>(env); });
-  env.running_objects().RegisterClassServer("Zebrin.Document",
-                                            [&env] { return New<SimZebrin>(env); });
-  env.running_objects().RegisterClassServer("Tarvik.Document",
-                                            [&env] { return New<SimTarvik>(env); });
+  env.running_objects().RegisterClassServer(kZebrinClass, [&env] { return New<SimZebrin>(env); });
+  env.running_objects().RegisterClassServer(kTarvikClass, [&env] { return New<SimTarvik>(env); });
 }
 
 void SetStartDelay(std::chrono::milliseconds start_delay) {
@@ -95,15 +93,15 @@ std::shared_ptr<SimHost> LastStarted(std::string_view class_name) {
 }
 
 std::shared_ptr<SimZebrin> LastZebrin() {
-  return std::dynamic_pointer_cast<SimZebrin>(LastStarted("Zebrin.Document"));
+  return std::dynamic_pointer_cast<SimZebrin>(LastStarted(kZebrinClass));
 }
 
 std::shared_ptr<SimTarvik> LastTarvik() {
-  return std::dynamic_pointer_cast<SimTarvik>(LastStarted("Tarvik.Document"));
+  return std::dynamic_pointer_cast<SimTarvik>(LastStarted(kTarvikClass));
 }
 
 std::shared_ptr<SimUlmora> LastUlmora() {
-  return std::dynamic_pointer_cast<SimUlmora>(LastStarted("Ulmora.Application"));
+  return std::dynamic_pointer_cast<SimUlmora>(LastStarted(kUlmoraClass));
 }
 
 }  // namespace qorvel::hosts

@@ -24,8 +24,8 @@ using qorvel::hosts::HostPreset;
 using qorvel::hosts::SimHost;
 
 // The classes the simulators register under, as presets name them.
-const char* const kSimulatedClasses[] = {"Zebrin.Document", "Tarvik.Document",
-                                         "Ulmora.Application"};
+const char* const kSimulatedClasses[] = {qorvel::hosts::kZebrinClass, qorvel::hosts::kTarvikClass,
+                                         qorvel::hosts::kUlmoraClass};
 
 std::shared_ptr<SimHost> ArgHost(lua_State* L, int arg) {
   const qorvel::AutomationObject* object = TestObject(L, arg);
