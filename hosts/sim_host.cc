@@ -1,7 +1,10 @@
 #include "hosts/sim_host.h"
 
+#include <cmath>
+
 #include "hosts/host_table.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/numbers.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -17,6 +20,14 @@ Variant Read(std::span<Variant> args, Variant value) {
 }
 
 }  // namespace
+
+void RejectCommand(const std::string& why) { Raise(kCommandRejected, why); }
+
+double CommandNumber(const std::string& word) {
+  const std::optional<double> value = ParseNumber(word);
+  if (!value || !std::isfinite(*value)) RejectCommand("Invalid number: " + word);
+  return *value;
+}
 
 SimHost::SimHost(std::string class_name, bool has_execute_ex)
     : class_name_(std::move(class_name)), has_execute_ex_(has_execute_ex) {}

@@ -32,6 +32,11 @@ struct Call {
 // command; the description says why, as the host's command line would.
 inline constexpr int32_t kCommandRejected = 1000;
 
+// Refuses a command as a host's command line does: kCommandRejected with the reason.
+[[noreturn]] void RejectCommand(const std::string& why);
+// A number in a command, read by the regional settings; anything else refuses the command.
+double CommandNumber(const std::string& word);
+
 // The common part of a simulated host: a real automation object that logs every call, answers
 // the session members (version, Busy, WindowState, Visible, Exit, Execute, ExecuteEx) and takes
 // faults. A concrete host supplies its command language in RunCommand.

@@ -28,9 +28,9 @@ constexpr KindWords kKinds[3] = {{"TOOLPATH", "TOOLPATHS", "toolpaths", "Toolpat
                                  {"PATTERN", "PATTERNS", "patterns", "Pattern"},
                                  {"WORKPLANE", "WORKPLANES", "workplanes", "Workplane"}};
 
-[[noreturn]] void Reject(const std::string& why) { Raise(kCommandRejected, why); }
-
-[[noreturn]] void Unknown(const std::string& command) { Reject("Unknown command: " + command); }
+[[noreturn]] void Unknown(const std::string& command) {
+  RejectCommand("Unknown command: " + command);
+}
 
 std::vector<std::string> Split(const std::string& text) {
   std::vector<std::string> words;
@@ -60,12 +60,6 @@ std::string Rest(const std::string& command, size_t skip) {
     rest = rest.substr(1, rest.size() - 2);
   }
   return rest;
-}
-
-double Number(const std::string& text) {
-  std::optional<double> value = ParseNumber(text);
-  if (!value || !std::isfinite(*value)) Reject("Invalid number: " + text);
-  return *value;
 }
 
 // A number as the host prints it, by the regional settings; no "-0.000" for a zero.
@@ -133,7 +127,7 @@ std::string SimTarvik::RunCommand(const std::string& command) {
 }
 
 std::string SimTarvik::Run(const std::string& command, const Words& words) {
-  if (words.empty()) Reject("Empty command");
+  if (words.empty()) RejectCommand("Empty command");
   const std::string& verb = words[0];
   if (verb == "NLTDEBUG") return "";
   if (verb == "DIALOGS") return Dialogs(words);
@@ -147,7 +141,7 @@ std::string SimTarvik::Run(const std::string& command, const Words& words) {
 
 std::string SimTarvik::Dialogs(const Words& words) {
   if (words.size() != 3 || (words[2] != "ON" && words[2] != "OFF")) {
-    Reject("DIALOGS takes MESSAGE or ERROR, then ON or OFF");
+    RejectCommand("DIALOGS takes MESSAGE or ERROR, then ON or OFF");
   }
   const bool on = words[2] == "ON";
   if (words[1] == "MESSAGE") {
@@ -155,19 +149,19 @@ std::string SimTarvik::Dialogs(const Words& words) {
   } else if (words[1] == "ERROR") {
     error_dialogs_ = on;
   } else {
-    Reject("DIALOGS takes MESSAGE or ERROR, then ON or OFF");
+    RejectCommand("DIALOGS takes MESSAGE or ERROR, then ON or OFF");
   }
   return "";
 }
 
 std::string SimTarvik::PrintFormValue(const Words& words) {
-  if (words.size() != 3) Reject("PRINT FORMVALUE takes one form value");
+  if (words.size() != 3) RejectCommand("PRINT FORMVALUE takes one form value");
   const std::string& field = words[2];
   auto truth = [](bool on) { return on ? "TRUE\r\n" : "FALSE\r\n"; };
   if (field == "ROUGHMENUBAR.VIEW.DIALOGS.MESSAGE") return truth(message_dialogs_);
   if (field == "ROUGHMENUBAR.VIEW.DIALOGS.ERROR") return truth(error_dialogs_);
   if (field == "INFOBAR.UNITS") return units_ + "\r\n";
-  Reject("Unknown form value: " + field);
+  RejectCommand("Unknown form value: " + field);
 }
 
 std::string SimTarvik::Size(const Words& words, const std::string& command) {
@@ -177,7 +171,7 @@ std::string SimTarvik::Size(const Words& words, const std::string& command) {
     if (words.size() != 2) Unknown(command);
     if (what == "COMPONENTS") return "Components: " + std::to_string(components_) + "\r\n";
     if (what == "BLOCK") return block_.defined ? BlockText(block_.limits) : "";
-    if (!model_) Reject("No model loaded");
+    if (!model_) RejectCommand("No model loaded");
     return BoxText({model_->begin(), model_->end()}) +
            "Components: " + std::to_string(components_) + "\r\n";
   }
@@ -200,15 +194,15 @@ std::string SimTarvik::Edit(const Words& words, const std::string& command) {
   if (what == "BLOCKTYPE") {
     block_.type = value;
   } else if (what == "UNITS") {
-    if (value != "MM" && value != "INCHES") Reject("Unknown units: " + value);
+    if (value != "MM" && value != "INCHES") RejectCommand("Unknown units: " + value);
     units_ = value;
   } else if (what == "TOOLTYPE") {
-    if (!OneOf(value, kToolTypes)) Reject("Unknown tool type: " + value);
+    if (!OneOf(value, kToolTypes)) RejectCommand("Unknown tool type: " + value);
     tool_["TOOLTYPE"] = value;
   } else if (OneOf(what, kToolNumbers)) {
-    const double number = Number(value);
+    const double number = CommandNumber(value);
     if (what == "TOOLNUMBER" && (number < 0 || number != std::floor(number))) {
-      Reject("Invalid tool number: " + value);
+      RejectCommand("Invalid tool number: " + value);
     }
     tool_[what] = value;
   } else {
@@ -231,12 +225,12 @@ std::string SimTarvik::EditBlock(const Words& words, const std::string& command)
   } else if (what == "ALL" && lock_word) {
     block_.locked.fill(arg == "LOCK");
   } else if (what == "RESETLIMIT") {
-    block_.reset_offset = Number(arg);
+    block_.reset_offset = CommandNumber(arg);
   } else if (int i = LimitIndex(what); i >= 0 && lock_word) {
     block_.locked[i] = arg == "LOCK";
   } else if (i >= 0) {
-    const double value = Number(arg);
-    if (block_.locked[i]) Reject(std::string("Limit is locked: ") + kLimitWords[i]);
+    const double value = CommandNumber(arg);
+    if (block_.locked[i]) RejectCommand(std::string("Limit is locked: ") + kLimitWords[i]);
     block_.limits[i] = value;
     block_.defined = true;
   } else {
@@ -248,7 +242,7 @@ std::string SimTarvik::EditBlock(const Words& words, const std::string& command)
 // The unlocked limits go around the model at the reset offset; a block made by the reset
 // takes all six.
 void SimTarvik::ResetBlock() {
-  if (!model_) Reject("No model loaded");
+  if (!model_) RejectCommand("No model loaded");
   const Box& m = *model_;
   const double o = block_.reset_offset;
   const double around[6] = {m[0] - o, m[3] + o, m[1] - o, m[4] + o, m[2] - o, m[5] + o};
@@ -259,9 +253,9 @@ void SimTarvik::ResetBlock() {
 }
 
 std::string SimTarvik::PrintEntity(const Words& words) {
-  if (words.size() != 3) Reject("PRINT ENTITY takes one entity type");
+  if (words.size() != 3) RejectCommand("PRINT ENTITY takes one entity type");
   std::optional<EntityKind> kind = KindOf(words[2], true);
-  if (!kind) Reject("Unknown entity type: " + words[2]);
+  if (!kind) RejectCommand("Unknown entity type: " + words[2]);
   const int k = int(*kind);
   const std::vector<Entity>& list = entities_[k];
   std::string out = std::to_string(list.size()) + " " + kKinds[k].heading + "\r\n";
@@ -289,7 +283,7 @@ const SimTarvik::Entity* SimTarvik::Find(EntityKind kind, const std::string& nam
 
 const SimTarvik::Entity& SimTarvik::Named(EntityKind kind, const std::string& name) const {
   const Entity* entity = Find(kind, name);
-  if (!entity) Reject(std::string(kKinds[int(kind)].title) + " not found: " + name);
+  if (!entity) RejectCommand(std::string(kKinds[int(kind)].title) + " not found: " + name);
   return *entity;
 }
 

@@ -6,6 +6,7 @@
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
 #include "qorvel/platform/safe_array.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -28,20 +29,6 @@ constexpr std::pair<const char*, const char*> kUsages[] = {
 
 // The types a composite curve is made of.
 constexpr const char* kWireTypes[] = {"Line", "Arc", "Curve", "Composite Curve"};
-
-[[noreturn]] void Reject(const std::string& why) { Raise(kCommandRejected, why); }
-
-std::string Trim(std::string_view text) {
-  const size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return "";
-  return std::string(text.substr(first, text.find_last_not_of(" \t") + 1 - first));
-}
-
-double Number(const std::string& word) {
-  std::optional<double> value = ParseNumber(word);
-  if (!value || !std::isfinite(*value)) Reject("Invalid number: " + word);
-  return *value;
-}
 
 // A vector property: a one-dimensional array of Double, indexed from 0.
 Variant Vector(std::span<const double> numbers) {
@@ -68,7 +55,7 @@ std::string Usage(const std::string& kind) {
   for (const auto& [word, usage] : kUsages) {
     if (kind == word) return "Usage: CREATE " + kind + " name " + usage;
   }
-  Reject("Unknown entity type: " + kind);
+  RejectCommand("Unknown entity type: " + kind);
 }
 
 // The properties of a new entity made of numbers alone; nullopt when the count doesn't fit.
@@ -79,7 +66,7 @@ std::optional<std::map<std::string, Variant>> FromNumbers(const std::string& kin
   if (kind == "LINE" && n.size() == 6)
     return {{{"START", Vector(span(0))}, {"END", Vector(span(3))}}};
   if (kind == "ARC" && (n.size() == 4 || n.size() == 6)) {
-    if (n[3] <= 0) Reject("The radius must be above 0");
+    if (n[3] <= 0) RejectCommand("The radius must be above 0");
     return {{{"CENTRE", Vector(span(0))},
              {"RADIUS", n[3]},
              {"STARTANGLE", n.size() == 6 ? n[4] : 0.0},
@@ -87,7 +74,8 @@ std::optional<std::map<std::string, Variant>> FromNumbers(const std::string& kin
   }
   if (kind == "CURVE" && n.size() >= 6 && n.size() % 3 == 0) return {{{"POINTS", Vector(n)}}};
   if (kind == "SOLID" && n.size() == 6) {
-    if (n[0] > n[3] || n[1] > n[4] || n[2] > n[5]) Reject("The minimum lies above the maximum");
+    if (n[0] > n[3] || n[1] > n[4] || n[2] > n[5])
+      RejectCommand("The minimum lies above the maximum");
     return {{{"MIN", Vector(span(0))}, {"MAX", Vector(span(3))}}};
   }
   if (kind == "WORKPLANE" && (n.size() == 3 || n.size() == 12)) {
@@ -236,16 +224,16 @@ Variant SimUlmora::Evaluate(const std::string& expression) const {
   if (auto s = scripted_evaluates_.find(UpperCase(expression)); s != scripted_evaluates_.end()) {
     return s->second;
   }
-  const std::string text = Trim(expression);
+  const std::string text(TrimBlanks(expression));
   const std::string upper = UpperCase(text);
   if (upper.starts_with("ENTITY['")) {
     const size_t close = upper.find("'].", 8);
-    if (close == std::string::npos) Reject("Unknown expression: " + expression);
+    if (close == std::string::npos) RejectCommand("Unknown expression: " + expression);
     const std::string name = text.substr(8, close - 8);
     const std::string property = upper.substr(close + 3);
     const Entity* e = Find(name);
     if (property == "EXISTS") return e != nullptr;
-    if (e == nullptr) Reject("Entity not found: " + name);
+    if (e == nullptr) RejectCommand("Entity not found: " + name);
     return Property(*e, property);
   }
   const std::vector<std::string>* lists[] = {&selection_, &created_, &updated_};
@@ -253,7 +241,7 @@ Variant SimUlmora::Evaluate(const std::string& expression) const {
     const std::string head = std::string(kLists[i]) + ".";
     if (upper.starts_with(head)) return ListExpression(*lists[i], upper);
   }
-  Reject("Unknown expression: " + expression);
+  RejectCommand("Unknown expression: " + expression);
 }
 
 // "<LIST>.NUMBER", "<LIST>.NAME[i]", "<LIST>.TYPE[i]", upper-cased.
@@ -268,17 +256,17 @@ Variant SimUlmora::ListExpression(const std::vector<std::string>& list,
   const size_t open = what.find('[');
   const std::string field = what.substr(0, open);
   if ((field != "NAME" && field != "TYPE") || open == std::string::npos || !what.ends_with("]")) {
-    Reject("Unknown expression: " + upper);
+    RejectCommand("Unknown expression: " + upper);
   }
   const std::string digits = what.substr(open + 1, what.size() - open - 2);
   std::optional<size_t> index = Index(digits, list.size());
-  if (!index) Reject("Invalid index: " + upper);
+  if (!index) RejectCommand("Invalid index: " + upper);
   if (*index >= list.size()) {
-    Reject("Index past the end: " + upper + " (" + upper.substr(0, dot) + " holds " +
-           std::to_string(list.size()) + ")");
+    RejectCommand("Index past the end: " + upper + " (" + upper.substr(0, dot) + " holds " +
+                  std::to_string(list.size()) + ")");
   }
   const Entity* e = Find(list[*index]);
-  if (e == nullptr) Reject("Entity not found: " + list[*index]);
+  if (e == nullptr) RejectCommand("Entity not found: " + list[*index]);
   return field == "NAME" ? Variant(e->name) : Variant(e->type);
 }
 
@@ -292,19 +280,19 @@ Variant SimUlmora::Property(const Entity& entity, const std::string& upper_prope
   if (upper_property == "POSITION") {
     if (std::optional<Variant> position = Position(entity.properties)) return *position;
   }
-  Reject("Unknown property: " + upper_property + " of " + entity.name);
+  RejectCommand("Unknown property: " + upper_property + " of " + entity.name);
 }
 
 // "name.property": the name runs to the last dot, so it may hold dots itself.
 Variant SimUlmora::Print(const std::string& id) const {
-  const std::string text = Trim(id);
+  const std::string text(TrimBlanks(id));
   const size_t dot = text.rfind('.');
   if (dot == std::string::npos || dot == 0 || dot + 1 == text.size()) {
-    Reject("Print takes name.property: " + id);
+    RejectCommand("Print takes name.property: " + id);
   }
   const std::string name = text.substr(0, dot);
   const Entity* e = Find(name);
-  if (e == nullptr) Reject("Entity not found: " + name);
+  if (e == nullptr) RejectCommand("Entity not found: " + name);
   return Property(*e, UpperCase(text.substr(dot + 1)));
 }
 
@@ -325,7 +313,7 @@ void SimUlmora::Exec(const std::string& batch) {
     const size_t end = batch.find("\r\n", start);
     const std::string text =
         batch.substr(start, end == std::string::npos ? std::string::npos : end - start);
-    if (!Trim(text).empty()) {
+    if (!TrimBlanks(text).empty()) {
       try {
         Run(text);
       } catch (const Error& e) {
@@ -339,13 +327,13 @@ void SimUlmora::Exec(const std::string& batch) {
 
 void SimUlmora::Run(const std::string& line) {
   if (line.find_first_of("\r\n") != std::string::npos) {
-    Reject("Line break inside a command");
+    RejectCommand("Line break inside a command");
   }
   Words words;
   for (size_t pos = 0; (pos = line.find_first_not_of(" \t", pos)) != std::string::npos;) {
     if (line[pos] == '"') {
       const size_t close = line.find('"', pos + 1);
-      if (close == std::string::npos) Reject("Unterminated quote: " + line);
+      if (close == std::string::npos) RejectCommand("Unterminated quote: " + line);
       words.push_back({line.substr(pos + 1, close - pos - 1), true});
       pos = close + 1;
     } else {
@@ -354,34 +342,34 @@ void SimUlmora::Run(const std::string& line) {
       pos = end;
     }
   }
-  if (words.empty()) Reject("Empty command");
+  if (words.empty()) RejectCommand("Empty command");
   const std::string verb = words[0].quoted ? "" : UpperCase(words[0].text);
   if (verb == "CREATE") return Create(words);
   if (verb == "MODIFY") return Modify(words);
   if (verb == "DELETE") return Delete(words);
   if (verb == "SELECT") return SelectCommand(words);
   if (verb == "DIALOG") return Dialog(words);
-  Reject("Unknown command: " + line);
+  RejectCommand("Unknown command: " + line);
 }
 
 // CREATE kind name arguments...
 void SimUlmora::Create(const Words& words) {
-  if (words.size() < 3) Reject("Usage: CREATE kind name ...");
+  if (words.size() < 3) RejectCommand("Usage: CREATE kind name ...");
   const std::string kind = UpperCase(words[1].text);
   const std::string usage = Usage(kind);
   const std::string& name = words[2].text;
-  if (name.empty()) Reject("An entity needs a name");
-  if (Find(name) != nullptr) Reject("Entity exists: " + name);
+  if (name.empty()) RejectCommand("An entity needs a name");
+  if (Find(name) != nullptr) RejectCommand("Entity exists: " + name);
   std::vector<std::string> args;
   for (size_t i = 3; i < words.size(); ++i) args.push_back(words[i].text);
   Entity entity{name, "", {}};
   if (kind == "COMPCURVE") {
-    if (args.empty()) Reject(usage);
+    if (args.empty()) RejectCommand(usage);
     for (const std::string& part : args) {
       const Entity& p = Named(part);
       if (std::none_of(std::begin(kWireTypes), std::end(kWireTypes),
                        [&](const char* t) { return p.type == t; })) {
-        Reject("Not a curve: " + part);
+        RejectCommand("Not a curve: " + part);
       }
     }
     entity.type = "Composite Curve";
@@ -389,24 +377,24 @@ void SimUlmora::Create(const Words& words) {
     for (const std::string& part : args) parts += (parts.empty() ? "" : " ") + Named(part).name;
     entity.properties = {{"PARTS", parts}, {"NUMBER", double(args.size())}};
   } else if (kind == "ANNOTATION") {
-    if (args.size() != 1) Reject(usage + " (quote a text with blanks)");
+    if (args.size() != 1) RejectCommand(usage + " (quote a text with blanks)");
     entity.type = "Annotation";
     entity.properties = {{"TEXT", args[0]}};
   } else if (kind == "SURFACE") {
-    if (args.size() != 2 && args.size() != 3) Reject(usage);
-    const double lats = Number(args[0]), lons = Number(args[1]);
+    if (args.size() != 2 && args.size() != 3) RejectCommand(usage);
+    const double lats = CommandNumber(args[0]), lons = CommandNumber(args[1]);
     if (lats < 2 || lons < 2 || lats != std::floor(lats) || lons != std::floor(lons) ||
         lats > 10000 || lons > 10000) {
-      Reject("A surface takes 2 to 10000 laterals and longitudinals");
+      RejectCommand("A surface takes 2 to 10000 laterals and longitudinals");
     }
     entity.type = "Surface";
     entity.properties = {
         {"NLATS", lats}, {"NLONS", lons}, {"KIND", args.size() == 3 ? args[2] : "Kalvane"}};
   } else {
     std::vector<double> numbers;
-    for (const std::string& a : args) numbers.push_back(Number(a));
+    for (const std::string& a : args) numbers.push_back(CommandNumber(a));
     auto properties = FromNumbers(kind, numbers);
-    if (!properties) Reject(usage);
+    if (!properties) RejectCommand(usage);
     const std::string lower = LowerCase(kind.substr(1));
     entity.type = kind.substr(0, 1) + lower;
     entity.properties = std::move(*properties);
@@ -419,34 +407,36 @@ void SimUlmora::Create(const Words& words) {
 // MODIFY name property value...: a number takes one number, a vector as many as it holds, a
 // text the rest of the line. NAME and TYPE stay.
 void SimUlmora::Modify(const Words& words) {
-  if (words.size() < 4) Reject("Usage: MODIFY name property value...");
+  if (words.size() < 4) RejectCommand("Usage: MODIFY name property value...");
   Entity& e = Named(words[1].text);
   const std::string property = UpperCase(words[2].text);
-  if (property == "NAME" || property == "TYPE") Reject("Can't modify " + property);
+  if (property == "NAME" || property == "TYPE") RejectCommand("Can't modify " + property);
   std::vector<std::string> values;
   for (size_t i = 3; i < words.size(); ++i) values.push_back(words[i].text);
   auto held = e.properties.find(property);
   std::map<std::string, Variant> changes;
   if (held == e.properties.end() && property == "POSITION" && Position(e.properties)) {
-    if (values.size() != 3) Reject("POSITION takes 3 numbers");
-    changes = {{"X", Number(values[0])}, {"Y", Number(values[1])}, {"Z", Number(values[2])}};
+    if (values.size() != 3) RejectCommand("POSITION takes 3 numbers");
+    changes = {{"X", CommandNumber(values[0])},
+               {"Y", CommandNumber(values[1])},
+               {"Z", CommandNumber(values[2])}};
   } else if (held == e.properties.end()) {
-    Reject("Unknown property: " + property + " of " + e.name);
+    RejectCommand("Unknown property: " + property + " of " + e.name);
   } else if (held->second.is_array()) {
     const int64_t size = held->second.ToArray().size();
     if (int64_t(values.size()) != size) {
-      Reject(property + " takes " + std::to_string(size) + " numbers");
+      RejectCommand(property + " takes " + std::to_string(size) + " numbers");
     }
     std::vector<double> numbers;
-    for (const std::string& v : values) numbers.push_back(Number(v));
+    for (const std::string& v : values) numbers.push_back(CommandNumber(v));
     changes[property] = Vector(numbers);
   } else if (held->second.type() == VarType::kText) {
     std::string text;
     for (const std::string& v : values) text += (text.empty() ? "" : " ") + v;
     changes[property] = text;
   } else {
-    if (values.size() != 1) Reject(property + " takes one number");
-    changes[property] = Number(values[0]);
+    if (values.size() != 1) RejectCommand(property + " takes one number");
+    changes[property] = CommandNumber(values[0]);
   }
   Changing();
   for (auto& [key, value] : changes) e.properties[key] = std::move(value);
@@ -455,7 +445,7 @@ void SimUlmora::Modify(const Words& words) {
 
 // DELETE name...: the entities leave the model and all three lists.
 void SimUlmora::Delete(const Words& words) {
-  if (words.size() < 2) Reject("Usage: DELETE name...");
+  if (words.size() < 2) RejectCommand("Usage: DELETE name...");
   for (size_t i = 1; i < words.size(); ++i) Named(words[i].text);
   Changing();
   for (size_t i = 1; i < words.size(); ++i) {
@@ -470,9 +460,10 @@ void SimUlmora::SelectCommand(const Words& words) {
   auto keyword = [&](size_t i, const char* word) {
     return words.size() > i && !words[i].quoted && EqualsNoCase(words[i].text, word);
   };
-  if (words.size() < 2) Reject("Usage: SELECT [ADD] name..., SELECT ALL or SELECT CLEARLIST");
+  if (words.size() < 2)
+    RejectCommand("Usage: SELECT [ADD] name..., SELECT ALL or SELECT CLEARLIST");
   if (keyword(1, "ALL") || keyword(1, "CLEARLIST")) {
-    if (words.size() != 2) Reject("Usage: SELECT " + UpperCase(words[1].text));
+    if (words.size() != 2) RejectCommand("Usage: SELECT " + UpperCase(words[1].text));
     selection_.clear();
     if (keyword(1, "ALL")) {
       for (const Entity& e : entities_) selection_.push_back(e.name);
@@ -480,7 +471,7 @@ void SimUlmora::SelectCommand(const Words& words) {
     return;
   }
   const bool add = keyword(1, "ADD");
-  if (add && words.size() < 3) Reject("Usage: SELECT ADD name...");
+  if (add && words.size() < 3) RejectCommand("Usage: SELECT ADD name...");
   std::vector<std::string> chosen = add ? selection_ : std::vector<std::string>{};
   for (size_t i = add ? 2 : 1; i < words.size(); ++i) {
     const std::string& name = Named(words[i].text).name;
@@ -492,7 +483,7 @@ void SimUlmora::SelectCommand(const Words& words) {
 void SimUlmora::Dialog(const Words& words) {
   const bool on = words.size() == 2 && EqualsNoCase(words[1].text, "ON");
   const bool off = words.size() == 2 && EqualsNoCase(words[1].text, "OFF");
-  if (!on && !off) Reject("Usage: DIALOG ON or DIALOG OFF");
+  if (!on && !off) RejectCommand("Usage: DIALOG ON or DIALOG OFF");
   dialogs_ = on;
 }
 
@@ -514,7 +505,7 @@ SimUlmora::Entity& SimUlmora::Named(const std::string& name) {
   for (Entity& e : entities_) {
     if (EqualsNoCase(e.name, name)) return e;
   }
-  Reject("Entity not found: " + name);
+  RejectCommand("Entity not found: " + name);
 }
 
 std::vector<std::string> SimUlmora::Known(std::vector<std::string> names) const {

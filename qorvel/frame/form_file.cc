@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -70,10 +71,10 @@ bool IsName(std::string_view s) {
   return true;
 }
 
-std::string_view Trim(std::string_view s) {
-  const size_t first = s.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return s.substr(first, s.find_last_not_of(" \t\r") - first + 1);
+// A line of the file without its blanks, and without the carriage return of a CR LF end.
+std::string_view LineText(std::string_view line) {
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return TrimBlanks(line);
 }
 
 // Reads a form line by line; every fault names the source and the line.
@@ -85,7 +86,7 @@ class Reader {
     bool header = false;
     for (size_t pos = 0; pos <= text.size();) {
       const size_t end = std::min(text.find('\n', pos), text.size());
-      const std::string_view line = Trim(text.substr(pos, end - pos));
+      const std::string_view line = LineText(text.substr(pos, end - pos));
       ++line_;
       pos = end + 1;
       if (line.empty() || line[0] == ';') continue;
@@ -108,7 +109,7 @@ class Reader {
   }
 
   void Line(std::string_view line) {
-    if (line.starts_with("Begin ")) return Begin(Trim(line.substr(6)));
+    if (line.starts_with("Begin ")) return Begin(TrimBlanks(line.substr(6)));
     if (line == "End") {
       if (!open_) Fail("End without Begin");
       open_ = false;
@@ -117,18 +118,19 @@ class Reader {
     if (!open_) Fail("a property outside a Begin ... End block");
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos) Fail("expected: Name = Type value");
-    const std::string_view name = Trim(line.substr(0, equals));
+    const std::string_view name = TrimBlanks(line.substr(0, equals));
     if (!IsName(name)) Fail("not a property name: " + std::string(name));
     PropertyBag& bag = controls_.back().bag;
     if (bag.Contains(name)) Fail("the property " + std::string(name) + " comes twice");
-    bag.Restore(name, Value(Trim(line.substr(equals + 1))));
+    bag.Restore(name, Value(TrimBlanks(line.substr(equals + 1))));
   }
 
   void Begin(std::string_view rest) {
     if (open_) Fail("Begin inside the block of " + controls_.back().name);
     const size_t blank = rest.find(' ');
     const std::string_view class_name = rest.substr(0, blank);
-    const std::string_view name = blank == std::string_view::npos ? "" : Trim(rest.substr(blank));
+    const std::string_view name =
+        blank == std::string_view::npos ? "" : TrimBlanks(rest.substr(blank));
     if (!IsName(class_name) || !IsName(name)) Fail("expected: Begin Class Name");
     for (const SavedControl& c : controls_) {
       if (c.name == name) Fail("a second control named " + std::string(name));
@@ -140,7 +142,8 @@ class Reader {
   Variant Value(std::string_view text) {
     const size_t blank = text.find(' ');
     const std::string_view type = text.substr(0, blank);
-    const std::string_view rest = blank == std::string_view::npos ? "" : Trim(text.substr(blank));
+    const std::string_view rest =
+        blank == std::string_view::npos ? "" : TrimBlanks(text.substr(blank));
     if (type == "Empty" || type == "Null") {
       if (!rest.empty()) Fail(std::string(type) + " takes no value");
       return type == "Empty" ? Variant() : Variant::Null();

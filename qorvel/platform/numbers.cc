@@ -12,6 +12,7 @@
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/registry.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -120,12 +121,6 @@ Picture ParsePicture(std::string_view text) {
   return p;
 }
 
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-  return s;
-}
-
 std::optional<double> ToDouble(const std::string& plain) {
   double value = 0;
   auto [end, ec] = std::from_chars(plain.data(), plain.data() + plain.size(), value);
@@ -177,7 +172,7 @@ std::string TextValue(const std::optional<RegValue>& value, const char* fallback
 }  // namespace
 
 NumberReading ReadNumber(std::string_view text, NumberTarget target, const NumberSymbols& symbols) {
-  text = Trim(text);
+  text = TrimBlanks(text);
   if (Take(text, "&")) return ReadRadix(text, target);
 
   // What may stand around the digits, each at most once: a sign or an opening parenthesis, and

@@ -36,4 +36,10 @@ size_t FindNoCase(std::string_view text, std::string_view word, size_t from) {
                                             : static_cast<size_t>(hit - text.begin());
 }
 
+std::string_view TrimBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+}
+
 }  // namespace qorvel

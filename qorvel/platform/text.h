@@ -16,6 +16,9 @@ std::string LowerCase(std::string_view text);
 bool EqualsNoCase(std::string_view a, std::string_view b);
 // The first place at or after `from` where `word` stands in `text`, or npos.
 size_t FindNoCase(std::string_view text, std::string_view word, size_t from = 0);
+// The text without the blanks and tabs around it.
+std::string_view TrimBlanks(std::string_view text);
+
 inline bool ContainsNoCase(std::string_view text, std::string_view word) {
   return FindNoCase(text, word) != std::string_view::npos;
 }

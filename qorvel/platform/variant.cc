@@ -43,13 +43,6 @@ double TextToNumber(const std::string& text, NumberTarget target) {
   return number.value;
 }
 
-std::string_view Trim(std::string_view text) {
-  size_t begin = text.find_first_not_of(" \t");
-  if (begin == std::string_view::npos) return {};
-  size_t end = text.find_last_not_of(" \t");
-  return text.substr(begin, end - begin + 1);
-}
-
 }  // namespace
 
 Variant::Variant(int16_t v) : value_(v) {}
@@ -272,7 +265,7 @@ VariantBool Variant::ToBool() const {
   if (is_ref()) return Deref().ToBool();
   if (const VariantBool* b = std::get_if<VariantBool>(&value_)) return *b;
   if (const std::string* text = std::get_if<std::string>(&value_)) {
-    std::string_view word = Trim(*text);
+    std::string_view word = TrimBlanks(*text);
     if (EqualsNoCase(word, "True")) return VariantBool::kTrue;
     if (EqualsNoCase(word, "False")) return VariantBool::kFalse;
   }
