@@ -51,6 +51,16 @@ class Control final : public ClassObject, public ControlShell {
   C object_;
 };
 
+// The properties C reads back from its saved state; none for a control that saves nothing.
+template <class C>
+constexpr std::span<const SavedProperty> SavedPropertiesOf() {
+  if constexpr (requires { C::kSavedProperties; }) {
+    return C::kSavedProperties;
+  } else {
+    return {};
+  }
+}
+
 // A new control of class C sited in `form`, in the shell C declares (C::kShell) with its
 // class's picture: Initialize, then InitProperties or ReadProperties of `saved`, then Resize
 // have run, and Terminate runs when the last reference goes.

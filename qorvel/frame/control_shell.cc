@@ -1,5 +1,7 @@
 #include "qorvel/frame/control_shell.h"
 
+#include <algorithm>
+
 namespace qorvel {
 ControlShell::ControlShell(const ShellTraits& traits) : size_(traits.size) {
   if (size_ == ShellSize::kImage) {
@@ -29,12 +31,12 @@ void ControlShell::PropertyChanged(std::string_view name) {
 }
 
 Container& Container::RunTime() {
-  static Container* run_time = new Container(/*user_mode=*/true);
-  return *run_time;
+  static auto* run_time = new std::shared_ptr<Container>(std::make_shared<Container>(true));
+  return **run_time;
 }
 
 void Container::Start(ControlShell& control, const PropertyBag* saved) {
-  control.container_ = this;
+  control.container_ = shared_from_this();
   control.Initialize();
   if (saved != nullptr) {
     control.ReadProperties(*saved);
@@ -80,9 +82,16 @@ std::vector<std::string> Container::property_changes() const {
   return changes_;
 }
 
+void Container::ClearPropertyChanges() {
+  std::lock_guard lock(mu_);
+  changes_.clear();
+}
+
 void Container::NoteChange(std::string_view name) {
   std::lock_guard lock(mu_);
-  changes_.emplace_back(name);
+  if (std::find(changes_.begin(), changes_.end(), name) == changes_.end()) {
+    changes_.emplace_back(name);
+  }
 }
 
 }  // namespace qorvel

@@ -67,7 +67,7 @@ class ControlShell {
   bool UserMode() const;
   // Tells the container that a saved property has changed, so it has something to save.
   void PropertyChanged(std::string_view name);
-  Container* container() const { return container_; }
+  Container* container() const { return container_.get(); }
 
   UserControl user_control;
   std::optional<Image> Image1;   // only the controls whose size is that of their image
@@ -75,13 +75,15 @@ class ControlShell {
 
  private:
   friend class Container;
-  Container* container_ = nullptr;
+  // A control keeps its form alive: a script may hold a control after letting its form go.
+  std::shared_ptr<Container> container_;
   ShellSize size_;
 };
 
 // A form that holds controls: it creates them, sends them their events, offers the ambient
-// UserMode and keeps what they save. It must outlive the controls sited in it.
-class Container {
+// UserMode and keeps what they save. It is always owned by a shared_ptr, and every control
+// sited in it holds a share, so it outlives them.
+class Container : public std::enable_shared_from_this<Container> {
  public:
   explicit Container(bool user_mode = true) : UserMode(user_mode) {}
   Container(const Container&) = delete;
@@ -113,8 +115,11 @@ class Container {
 
   // The ambient UserMode that the controls read.
   bool UserMode;
-  // The names the controls reported changed through PropertyChanged, in order.
+  // The names the controls reported changed through PropertyChanged since the form was last
+  // saved: each once, in the order of its first change, so a control written a million times
+  // adds nothing.
   std::vector<std::string> property_changes() const;
+  void ClearPropertyChanges();
 
  private:
   friend class ControlShell;

@@ -89,16 +89,16 @@ TEST(ControlShellTest, ImageControlsFollowTheirImageNotTheAskedSize) {
 }
 
 TEST(ControlShellTest, ContainerSendsTheEventsInOrder) {
-  Container designer(/*user_mode=*/false);
+  auto designer = std::make_shared<Container>(/*user_mode=*/false);
   std::vector<std::string> events;
-  auto fresh = designer.Site(std::make_unique<Recorder>(ShellSize::kFree, &events));
+  auto fresh = designer->Site(std::make_unique<Recorder>(ShellSize::kFree, &events));
   EXPECT_FALSE(fresh->UserMode());
   EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "InitProperties", "Resize"}));
 
   const PropertyBag saved = Container::Save(*fresh);
   EXPECT_EQ(saved.ReadProperty("value").ToDouble(), 2.5);
   events.clear();
-  auto loaded = designer.Site(std::make_unique<Recorder>(ShellSize::kFree, &events), &saved);
+  auto loaded = designer->Site(std::make_unique<Recorder>(ShellSize::kFree, &events), &saved);
   EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "ReadProperties 2.5", "Resize"}));
 
   events.clear();
@@ -122,14 +122,25 @@ TEST(ControlShellTest, AFailedStartRaisesAndSendsNoTerminate) {
 }
 
 TEST(ControlShellTest, AmbientUserModeAndPropertyChanges) {
-  Container form;
-  auto control = form.Site(std::make_unique<Recorder>(ShellSize::kFree));
+  auto form = std::make_shared<Container>();
+  auto control = form->Site(std::make_unique<Recorder>(ShellSize::kFree));
   EXPECT_TRUE(control->UserMode());
-  form.UserMode = false;
+  form->UserMode = false;
   EXPECT_FALSE(control->UserMode());
-  control->PropertyChanged("DecimalPlaces");
+  for (const char* name : {"DecimalPlaces", "ReadOnly", "DecimalPlaces"}) {
+    control->PropertyChanged(name);
+  }
+  EXPECT_EQ(form->property_changes(), (std::vector<std::string>{"DecimalPlaces", "ReadOnly"}));
+  form->ClearPropertyChanges();
   control->PropertyChanged("ReadOnly");
-  EXPECT_EQ(form.property_changes(), (std::vector<std::string>{"DecimalPlaces", "ReadOnly"}));
+  EXPECT_EQ(form->property_changes(), (std::vector<std::string>{"ReadOnly"}));
+
+  // The control keeps its form: the form's last other owner may go first.
+  std::weak_ptr<Container> watch = form;
+  form.reset();
+  EXPECT_FALSE(control->UserMode());
+  control.reset();
+  EXPECT_TRUE(watch.expired());
   EXPECT_TRUE(Container::RunTime().UserMode);
   EXPECT_TRUE(Recorder(ShellSize::kFree).UserMode());  // not sited: taken to run
 }

@@ -1,15 +1,25 @@
 #include "qorvel/frame/form_file.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <unordered_set>
 
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/text.h"
 
 namespace qorvel {
+namespace {
+
+bool IsNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
+bool IsNamePart(char c) { return IsNameStart(c) || (c >= '0' && c <= '9'); }
+
+}  // namespace
+
+bool IsFormName(std::string_view text) {
+  return !text.empty() && IsNameStart(text[0]) && std::all_of(text.begin(), text.end(), IsNamePart);
+}
+
 namespace {
 
 constexpr std::string_view kHeader = "QorvelOLE form 1";
@@ -49,9 +59,10 @@ std::string ValueText(const Variant& v) {
       return "Long " + std::to_string(v.ToLong());
     case VarType::kBool:
       return "Boolean " + std::to_string(RawBool(v.ToBool()));
-    case VarType::kDouble:
-      std::snprintf(number, sizeof number, "%.17g", v.ToDouble());
-      return std::string("Double ") + number;
+    case VarType::kDouble: {
+      const auto [end, ec] = std::to_chars(number, number + sizeof number, v.ToDouble());
+      return "Double " + std::string(number, end);
+    }
     case VarType::kText:
       return "String " + Quoted(v.ToText());
     case VarType::kEmpty:
@@ -61,14 +72,6 @@ std::string ValueText(const Variant& v) {
     default:
       Raise(err::kTypeMismatch, "A form file keeps no arrays or objects");
   }
-}
-
-bool IsName(std::string_view s) {
-  if (s.empty() || !(std::isalpha(static_cast<unsigned char>(s[0])) || s[0] == '_')) return false;
-  for (char c : s) {
-    if (!(std::isalnum(static_cast<unsigned char>(c)) || c == '_')) return false;
-  }
-  return true;
 }
 
 // A line of the file without its blanks, and without the carriage return of a CR LF end.
@@ -119,10 +122,13 @@ class Reader {
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos) Fail("expected: Name = Type value");
     const std::string_view name = TrimBlanks(line.substr(0, equals));
-    if (!IsName(name)) Fail("not a property name: " + std::string(name));
-    PropertyBag& bag = controls_.back().bag;
-    if (bag.Contains(name)) Fail("the property " + std::string(name) + " comes twice");
-    bag.Restore(name, Value(TrimBlanks(line.substr(equals + 1))));
+    if (!IsFormName(name)) Fail("not a property name: " + std::string(name));
+    if (!block_properties_.insert(UpperCase(name)).second) {
+      Fail("the property " + std::string(name) + " comes twice");
+    }
+    SavedControl& control = controls_.back();
+    control.bag.Append(name, Value(TrimBlanks(line.substr(equals + 1))));
+    control.property_lines.push_back(line_);
   }
 
   void Begin(std::string_view rest) {
@@ -131,11 +137,12 @@ class Reader {
     const std::string_view class_name = rest.substr(0, blank);
     const std::string_view name =
         blank == std::string_view::npos ? "" : TrimBlanks(rest.substr(blank));
-    if (!IsName(class_name) || !IsName(name)) Fail("expected: Begin Class Name");
-    for (const SavedControl& c : controls_) {
-      if (c.name == name) Fail("a second control named " + std::string(name));
+    if (!IsFormName(class_name) || !IsFormName(name)) Fail("expected: Begin Class Name");
+    if (!names_.insert(UpperCase(name)).second) {
+      Fail("a second control named " + std::string(name));
     }
-    controls_.push_back({std::string(class_name), std::string(name), {}});
+    controls_.push_back({std::string(class_name), std::string(name), {}, line_, {}});
+    block_properties_.clear();
     open_ = true;
   }
 
@@ -194,6 +201,8 @@ class Reader {
   int line_ = 0;
   bool open_ = false;
   std::vector<SavedControl> controls_;
+  std::unordered_set<std::string> names_;             // upper-cased, of every control
+  std::unordered_set<std::string> block_properties_;  // upper-cased, of the open block
 };
 
 }  // namespace

@@ -18,7 +18,7 @@ TEST(FormFileTest, EveryTypeReadsBackAsItWasWritten) {
   box.bag.Restore("Unknown", Variant::Null());
   const std::string text = FormText({box, {"Zebrin", "Link", {}}});
   EXPECT_EQ(text.substr(0, text.find("Count")),
-            "QorvelOLE form 1\nBegin ValueBox Amount\n  Value = Double 0.10000000000000001\n"
+            "QorvelOLE form 1\nBegin ValueBox Amount\n  Value = Double 0.1\n"
             "  DecimalPlaces = Integer 3\n  ReadOnly = Boolean -1\n  ");
   const std::vector<SavedControl> read = ParseFormText(text, "f.frm");
   ASSERT_EQ(read.size(), 2u);

@@ -51,6 +51,10 @@ void PropertyBag::Restore(std::string_view name, const Variant& value) {
   }
 }
 
+void PropertyBag::Append(std::string_view name, const Variant& value) {
+  entries_.emplace_back(std::string(name), value.Deref());
+}
+
 bool PropertyBag::Contains(std::string_view name) const { return Find(name) != entries_.end(); }
 
 }  // namespace qorvel

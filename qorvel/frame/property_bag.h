@@ -10,6 +10,13 @@
 
 namespace qorvel {
 
+// A property a control reads back from its saved state, and the type it reads it as: what a
+// form loader checks before it makes any control.
+struct SavedProperty {
+  const char* name;
+  VarType type;
+};
+
 // The saved state of one control, by property name (any case). A value equal to its default
 // is left out, and a missing name reads as the default, so the two must be given alike. The
 // names keep the case they were written with, in the order they were first written.
@@ -20,6 +27,9 @@ class PropertyBag {
                      const Variant& default_value = Variant());
   // Keeps a value as it is, default or not: a bag read back from a saved form.
   void Restore(std::string_view name, const Variant& value);
+  // The same for a name the caller knows is new to the bag (a reader that checks names as
+  // it goes), without looking for it: a saved block may hold many.
+  void Append(std::string_view name, const Variant& value);
   bool Contains(std::string_view name) const;
   size_t size() const { return entries_.size(); }
   const std::vector<std::pair<std::string, Variant>>& entries() const { return entries_; }

@@ -1,7 +1,9 @@
 #include "qorvel/platform/file_bytes.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -30,6 +32,18 @@ std::string SizeText(size_t bytes) {
 [[noreturn]] void CantRead(const std::string& path, int error) {
   Refuse(path,
          "can't be read" + (error != 0 ? " (" + std::generic_category().message(error) + ")" : ""));
+}
+
+[[noreturn]] void CantWrite(const std::string& path, int error) {
+  Refuse(path, "can't be written" +
+                   (error != 0 ? " (" + std::generic_category().message(error) + ")" : ""));
+}
+
+// A name beside `path` that no other save of this process is using.
+std::string TemporaryBeside(const std::string& path) {
+  static std::atomic<unsigned> serial{0};
+  const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+  return path + ".saving-" + std::to_string(stamp) + "-" + std::to_string(serial++);
 }
 
 }  // namespace
@@ -70,6 +84,30 @@ std::string ReadFileBytes(const std::string& path, size_t limit, std::string_vie
   bytes.reserve(total);
   for (std::string& chunk : chunks) bytes += std::exchange(chunk, {});
   return bytes;
+}
+
+void WriteFileBytes(const std::string& path, std::string_view bytes) {
+  namespace fs = std::filesystem;
+  std::error_code ec;
+  if (fs::is_directory(path, ec)) Refuse(path, "a directory, not a file");
+  const std::string temporary = TemporaryBeside(path);
+  errno = 0;
+  {
+    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+    if (file) file.write(bytes.data(), std::streamsize(bytes.size()));
+    if (file) file.close();
+    if (!file) {
+      const int error = errno;
+      fs::remove(temporary, ec);
+      CantWrite(path, error);
+    }
+  }
+  fs::rename(temporary, path, ec);
+  if (ec) {
+    const int error = ec.value();
+    fs::remove(temporary, ec);
+    CantWrite(path, error);
+  }
 }
 
 }  // namespace qorvel

@@ -16,6 +16,11 @@ namespace qorvel {
 std::string ReadFileBytes(const std::string& path, size_t limit, std::string_view kind,
                           const std::function<void(std::string_view)>& check_start = {});
 
+// Writes `bytes` to `path` whole or not at all: into a new file beside it, then renamed over
+// it, so a write that fails part way (a full disk, a size limit) leaves the old file as it was
+// and raises error 5 naming the file.
+void WriteFileBytes(const std::string& path, std::string_view bytes);
+
 }  // namespace qorvel
 
 #endif  // QORVEL_PLATFORM_FILE_BYTES_H_

@@ -16,15 +16,21 @@ struct LibraryClass {
   const char* name;
   ClassFactory make;
   AutomationObject (*site)(Container&, const PropertyBag*);  // nullptr for a plain class
+  std::span<const SavedProperty> saved;
 };
+
+template <class C>
+constexpr LibraryClass ControlClass(const char* name) {
+  return {name, &NewControl<C>, &SiteControl<C>, SavedPropertiesOf<C>()};
+}
 
 // The classes built so far; the type library publishes all seven.
 constexpr LibraryClass kClasses[] = {
-    {"Zebrin", &NewControl<Zebrin>, &SiteControl<Zebrin>},
-    {"Tarvik3", &NewControl<Tarvik3>, &SiteControl<Tarvik3>},
-    {"Ulmora27", &NewControl<Ulmora27>, &SiteControl<Ulmora27>},
-    {"ValueBox", &NewControl<ValueBox>, &SiteControl<ValueBox>},
-    {"PointClass", &NewInstance<PointClass>, nullptr},
+    ControlClass<Zebrin>("Zebrin"),
+    ControlClass<Tarvik3>("Tarvik3"),
+    ControlClass<Ulmora27>("Ulmora27"),
+    ControlClass<ValueBox>("ValueBox"),
+    {"PointClass", &NewInstance<PointClass>, nullptr, {}},
 };
 
 const LibraryClass* Find(std::string_view class_name) {
@@ -32,6 +38,13 @@ const LibraryClass* Find(std::string_view class_name) {
     if (EqualsNoCase(c.name, class_name)) return &c;
   }
   return nullptr;
+}
+
+const LibraryClass& FindControl(std::string_view class_name) {
+  const LibraryClass* c = Find(class_name);
+  if (c == nullptr) Raise(err::kCantCreate);
+  if (c->site == nullptr) Raise(err::kInvalidCall, std::string(c->name) + " is no control");
+  return *c;
 }
 
 }  // namespace
@@ -43,10 +56,11 @@ ClassFactory FactoryOf(std::string_view class_name) {
 
 AutomationObject SiteControl(std::string_view class_name, Container& form,
                              const PropertyBag* saved) {
-  const LibraryClass* c = Find(class_name);
-  if (c == nullptr) Raise(err::kCantCreate);
-  if (c->site == nullptr) Raise(err::kInvalidCall, std::string(c->name) + " is no control");
-  return c->site(form, saved);
+  return FindControl(class_name).site(form, saved);
+}
+
+std::span<const SavedProperty> SavedPropertiesOf(std::string_view class_name) {
+  return FindControl(class_name).saved;
 }
 
 }  // namespace qorvel

@@ -1,14 +1,15 @@
 #ifndef QORVEL_SERVER_CLASSES_H_
 #define QORVEL_SERVER_CLASSES_H_
 
+#include <span>
 #include <string_view>
 
+#include "qorvel/frame/property_bag.h"
 #include "qorvel/platform/variant.h"
 
 namespace qorvel {
 
 class Container;
-class PropertyBag;
 
 // What makes a new instance of a published class: a control comes sited in the run-time
 // container, a plain class bare.
@@ -22,6 +23,10 @@ ClassFactory FactoryOf(std::string_view class_name);
 // when it isn't null. 429 for a class that isn't built; 5 for a class that is no control.
 AutomationObject SiteControl(std::string_view class_name, Container& form,
                              const PropertyBag* saved);
+
+// The properties a control of `class_name` reads back from its saved state, with the same
+// errors as SiteControl.
+std::span<const SavedProperty> SavedPropertiesOf(std::string_view class_name);
 
 }  // namespace qorvel
 

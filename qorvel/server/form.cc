@@ -1,7 +1,5 @@
 #include "qorvel/server/form.h"
 
-#include <fstream>
-
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/form_file.h"
 #include "qorvel/platform/error.h"
@@ -23,15 +21,42 @@ std::string_view ClassName(std::string_view name) {
   return name;
 }
 
+// Runs `check` for what stands on `line` of `path`; its error, whatever its number, names both.
+template <class Check>
+void AtLine(const std::string& path, int line, Check check) {
+  try {
+    check();
+  } catch (const Error& e) {
+    Raise(e.number(), path + ": line " + std::to_string(line) + ": " + e.description());
+  }
+}
+
+// What a control's ReadProperties will make of its saved state, tried before any control is
+// made: the class must be a control of the library and each property it reads must convert.
+void CheckSaved(const SavedControl& c, const std::string& path) {
+  std::span<const SavedProperty> reads;
+  AtLine(path, c.line, [&] { reads = SavedPropertiesOf(ClassName(c.class_name)); });
+  const auto& entries = c.bag.entries();
+  for (size_t i = 0; i < entries.size(); ++i) {
+    for (const SavedProperty& p : reads) {
+      if (!EqualsNoCase(p.name, entries[i].first)) continue;
+      AtLine(path, c.property_lines[i], [&] { entries[i].second.ConvertTo(p.type); });
+    }
+  }
+}
+
 }  // namespace
 
 AutomationObject Form::Site(std::string_view class_name, const std::string& name,
                             const PropertyBag* saved) {
-  if (name.empty() || Find(name)) {
-    Raise(err::kInvalidCall, "The form has a control named " + name + " already, or no name");
+  if (!IsFormName(name)) Raise(err::kInvalidCall, "\"" + name + "\" is not a control name");
+  const std::string key = UpperCase(name);
+  if (index_.contains(key)) {
+    Raise(err::kInvalidCall, "The form has a control named " + name + " already");
   }
-  AutomationObject control = SiteControl(ClassName(class_name), container_, saved);
+  AutomationObject control = SiteControl(ClassName(class_name), *container_, saved);
   controls_.emplace_back(name, control);
+  index_.emplace(key, controls_.size() - 1);
   return control;
 }
 
@@ -40,14 +65,13 @@ AutomationObject Form::Add(std::string_view class_name, const std::string& name)
 }
 
 AutomationObject Form::Find(std::string_view name) const {
-  for (const auto& [n, control] : controls_) {
-    if (EqualsNoCase(n, name)) return control;
-  }
-  return nullptr;
+  const auto it = index_.find(UpperCase(name));
+  return it == index_.end() ? nullptr : controls_[it->second].second;
 }
 
 std::string Form::Text() const {
   std::vector<SavedControl> saved;
+  saved.reserve(controls_.size());
   for (const auto& [name, control] : controls_) {
     auto shell = std::dynamic_pointer_cast<ControlShell>(control);
     auto face = std::dynamic_pointer_cast<ClassObject>(control);
@@ -56,17 +80,17 @@ std::string Form::Text() const {
   return FormText(saved);
 }
 
-void Form::Save(const std::string& path) const {
-  const std::string text = Text();
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file << text;
-  if (!file.flush()) Raise(err::kInvalidCall, path + ": can't be written");
+void Form::Save(const std::string& path) {
+  WriteFileBytes(path, Text());
+  container_->ClearPropertyChanges();
 }
 
 std::unique_ptr<Form> Form::Load(const std::string& path, bool user_mode) {
   const std::vector<SavedControl> saved =
       ParseFormText(ReadFileBytes(path, kMostFormBytes, "a form file"), path);
+  for (const SavedControl& c : saved) CheckSaved(c, path);
   auto form = std::make_unique<Form>(user_mode);
+  form->controls_.reserve(saved.size());
   for (const SavedControl& c : saved) form->Site(c.class_name, c.name, &c.bag);
   return form;
 }

@@ -21,6 +21,10 @@ class ValueBox final : public TextBoxEvents {
  public:
   static constexpr ShellSize kShell = ShellSize::kTextBox;
   static constexpr int32_t kValueChanged = 1;  // the DISPID of ValueChanged
+  // What ReadProperties reads, and as what.
+  static constexpr SavedProperty kSavedProperties[] = {{"Value", VarType::kDouble},
+                                                       {"DecimalPlaces", VarType::kInteger},
+                                                       {"ReadOnly", VarType::kBool}};
 
   ValueBox() { text1_->set_events(this); }
   ValueBox(const ValueBox&) = delete;
