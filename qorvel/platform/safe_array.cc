@@ -14,6 +14,12 @@ namespace qorvel {
 struct SafeArray::Storage {
   Storage() = default;
   Storage(VarType element, std::vector<Bound> bounds);
+  Storage(const Storage&) = default;
+  ~Storage();
+
+  // Moves the storage of each array held by a Variant element, and held nowhere else, into
+  // `pending`.
+  void TakeNested(std::vector<std::shared_ptr<Storage>>& pending);
 
   VarType element = VarType::kVariant;
   std::vector<Bound> bounds;
@@ -103,6 +109,29 @@ SafeArray::Storage::Storage(VarType element, std::vector<Bound> bounds) : elemen
   }
   Resize(items, ElementCount(bounds, ElementBytes(items)));
   this->bounds = std::move(bounds);
+}
+
+// Arrays nested in Variant elements are taken apart a level at a time, in a loop: a host's
+// reply nested a million deep is freed without a recursion as deep as the nest.
+SafeArray::Storage::~Storage() {
+  std::vector<std::shared_ptr<Storage>> pending;
+  TakeNested(pending);
+  while (!pending.empty()) {
+    std::shared_ptr<Storage> nested = std::move(pending.back());
+    pending.pop_back();
+    if (nested.use_count() == 1) nested->TakeNested(pending);
+  }  // each goes here, holding no arrays of its own any more
+}
+
+void SafeArray::Storage::TakeNested(std::vector<std::shared_ptr<Storage>>& pending) {
+  auto* variants = std::get_if<std::vector<Variant>>(&items);
+  if (variants == nullptr) return;
+  for (Variant& v : *variants) {
+    auto* array = std::get_if<std::shared_ptr<SafeArray>>(&v.value_);
+    if (array != nullptr && array->use_count() == 1 && (*array)->data_) {
+      pending.push_back(std::move((*array)->data_));
+    }
+  }
 }
 
 SafeArray::SafeArray() = default;

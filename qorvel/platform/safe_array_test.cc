@@ -231,6 +231,22 @@ TEST_F(SafeArrayTest, CopiesShareStorageUntilOneSideWritesAndAreNeitherFixedNorL
   EXPECT_FALSE(Variant(moved).ToArray().fixed());
 }
 
+// A host reply nested far deeper than any stack could recurse is freed all the same, and an
+// inner array still held elsewhere survives its nest.
+TEST_F(SafeArrayTest, ADeepNestOfArraysIsFreedWithoutRecursion) {
+  SafeArray inner(VarType::kDouble, {{1, 1}});
+  inner.Put({1}, 2.5);
+  SafeArray nest(VarType::kVariant, {{0, 1}});
+  nest.Put({0}, inner);
+  for (int depth = 0; depth < 300000; ++depth) {
+    SafeArray outer(VarType::kVariant, {{0, 1}});
+    outer.Put({0}, nest);
+    nest = std::move(outer);
+  }
+  nest = SafeArray();
+  EXPECT_EQ(inner.Get({1}).ToDouble(), 2.5);
+}
+
 // What a write through a by-reference array does: the source converted to the target's type,
 // all or nothing; a fixed or locked target takes only a source of its own bounds.
 TEST_F(SafeArrayTest, AssignFromConvertsAndAFixedOrLockedTargetKeepsItsBounds) {

@@ -99,6 +99,8 @@ class Variant {
   void Assign(const Variant& value);
 
  private:
+  friend class SafeArray;  // takes nested arrays apart without recursion when it is freed
+
   struct NullTag {};
   struct Ref_ {
     uint16_t vt;
