@@ -8,6 +8,7 @@
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/platform/env.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/text.h"
 #include "qorvel/server/form.h"
 #include "shell/lua_errors.h"
 #include "shell/lua_values.h"
@@ -153,9 +154,18 @@ qorvel::TextBox& ArgBox(lua_State* L) {
   return *Held<TextBoxHandle>(L, 1, kTextBoxMeta, "text box")->box;
 }
 
+// One key a character of the UTF-8 text, by its 16-bit code; a byte that starts no character
+// types its own value. Checked whole first, so a refused text types nothing.
 int BoxType(lua_State* L) {
   qorvel::TextBox& box = ArgBox(L);
-  for (unsigned char c : ArgString(L, 2)) box.TypeKey(static_cast<int16_t>(c));
+  const std::string text = ArgString(L, 2);
+  std::vector<int16_t> keys;
+  for (size_t at = 0; at < text.size(); at = qorvel::NextCharacter(text, at)) {
+    const uint32_t code = qorvel::CharacterCode(text, at);
+    if (code > 0xFFFF) throw ArgError(2, "a character beyond U+FFFF has no 16-bit key code");
+    keys.push_back(static_cast<int16_t>(static_cast<uint16_t>(code)));
+  }
+  for (int16_t key : keys) box.TypeKey(key);
   return 0;
 }
 

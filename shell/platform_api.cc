@@ -86,8 +86,8 @@ int Exists(lua_State* L) {
   return 1;
 }
 
-// A grouping or currency symbol numbers can be read with: some text, and no digit in it. The
-// decimal symbol has the platform's own, stricter check.
+// A currency symbol numbers can be read with: some text, and no digit in it. The decimal and
+// grouping symbols have the platform's own, stricter checks.
 void CheckSymbol(int arg, const std::string& text, const char* what) {
   if (text.empty() || text.find_first_of("0123456789") != std::string::npos) {
     throw ArgError(arg, std::string(what) + " symbol expected: one or more characters, no digits");
@@ -128,13 +128,10 @@ int Set(lua_State* L) {
   const auto decimal = field("decimal");
   const auto thousand = field("thousand");
   const auto currency = field("currency");
-  if (thousand) CheckSymbol(1, *thousand, "a grouping");
   if (currency) CheckSymbol(1, *currency, "a currency");
   const qorvel::NumberSymbols now = qorvel::CurrentNumberSymbols();
   if (decimal) qorvel::CheckDecimalSymbol(*decimal, currency.value_or(now.currency));
-  if (thousand && *thousand == decimal.value_or(now.decimal)) {
-    throw ArgError(1, "the grouping symbol must differ from the decimal symbol");
-  }
+  if (thousand) qorvel::CheckGroupingSymbol(*thousand, decimal.value_or(now.decimal));
   if (currency && *currency == decimal.value_or(now.decimal)) {
     throw ArgError(1, "the currency symbol must differ from the decimal symbol");
   }

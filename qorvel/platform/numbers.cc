@@ -399,23 +399,46 @@ void SeedNumberSymbols(Registry& registry) {
   seed("sCurrency", locale.currency);
 }
 
-void CheckDecimalSymbol(std::string_view symbol, std::string_view currency) {
-  auto refuse = [symbol](const char* why) {
-    Raise(err::kInvalidCall, "\"" + std::string(symbol) + "\" can't be the decimal symbol: " + why);
-  };
-  if (symbol.empty()) refuse("it is empty");
+namespace {
+
+// What would make a number written with `symbol` read otherwise than it was written: the reason,
+// or nullptr. A blank is refused only where `blank_ok` is false.
+const char* SymbolFault(std::string_view symbol, bool blank_ok) {
+  if (symbol.empty()) return "it is empty";
   for (const char c : symbol) {
-    if (IsDigit(c)) refuse("a digit in it would read as part of the number");
-    if (c == '+' || c == '-') refuse("a sign in it would read as the number's sign");
-    if (c == '(' || c == ')') refuse("parentheses mark a negative number");
-    if (c == '&') refuse("\"&\" starts a hex or octal number");
-    if (c == 'E' || c == 'e') refuse("\"E\" starts an exponent");
+    if (IsDigit(c)) return "a digit in it would read as part of the number";
+    if (c == '+' || c == '-') return "a sign in it would read as the number's sign";
+    if (c == '(' || c == ')') return "parentheses mark a negative number";
+    if (c == '&') return "\"&\" starts a hex or octal number";
+    if (c == 'E' || c == 'e') return "\"E\" starts an exponent";
+    if (c == ' ' && blank_ok) continue;
     if (static_cast<unsigned char>(c) <= ' ' || c == '\x7F') {
-      refuse("blanks and control characters are skipped around a number or end it");
+      return "blanks and control characters are skipped around a number or end it";
     }
   }
+  return nullptr;
+}
+
+[[noreturn]] void RefuseSymbol(std::string_view symbol, const char* role, const char* why) {
+  Raise(err::kInvalidCall,
+        "\"" + std::string(symbol) + "\" can't be the " + role + " symbol: " + why);
+}
+
+}  // namespace
+
+void CheckDecimalSymbol(std::string_view symbol, std::string_view currency) {
+  if (const char* why = SymbolFault(symbol, /*blank_ok=*/false)) {
+    RefuseSymbol(symbol, "decimal", why);
+  }
   // "$5" would read as five, not as a half.
-  if (symbol == currency) refuse("it is the currency symbol");
+  if (symbol == currency) RefuseSymbol(symbol, "decimal", "it is the currency symbol");
+}
+
+void CheckGroupingSymbol(std::string_view symbol, std::string_view decimal) {
+  if (const char* why = SymbolFault(symbol, /*blank_ok=*/true)) {
+    RefuseSymbol(symbol, "grouping", why);
+  }
+  if (symbol == decimal) RefuseSymbol(symbol, "grouping", "it is the decimal symbol");
 }
 
 void SetDecimalSymbol(Registry& registry, const std::string& symbol) {

@@ -65,6 +65,10 @@ void SeedNumberSymbols(Registry& registry);
 // control character in it, and not the currency symbol, since numbers with any of these would
 // be read otherwise than they were written.
 void CheckDecimalSymbol(std::string_view symbol, std::string_view currency);
+// Raises error 5 unless `symbol` can be the grouping symbol beside the decimal symbol
+// `decimal`: the same characters are refused as for the decimal symbol, but for the blank,
+// which some regions group digits with, and it must not be the decimal symbol.
+void CheckGroupingSymbol(std::string_view symbol, std::string_view decimal);
 // Sets the user's decimal symbol (scripts and tests play a comma region with it), after
 // CheckDecimalSymbol against the currency symbol in `registry`; a refused one sets nothing. A
 // grouping symbol equal to it gives way to the other of point and comma, so the two never match.

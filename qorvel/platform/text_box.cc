@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -16,9 +17,11 @@ std::string FirstLine(const std::string& text) {
   return text.substr(0, text.find_first_of("\r\n"));
 }
 
-// Codes that stand for a character of their own: not the control codes, not DEL, and nothing
-// outside a single byte.
-bool IsCharacter(int16_t key) { return key >= 32 && key <= 255 && key != 127; }
+// Codes that stand for a character of their own: not the control codes, not DEL, and not the
+// halves of a surrogate pair.
+bool IsCharacter(uint16_t code) {
+  return code >= 32 && code != 127 && (code < 0xD800 || code > 0xDFFF);
+}
 
 }  // namespace
 
@@ -31,15 +34,20 @@ void TextBox::SetText(std::string text) {
 }
 
 void TextBox::SetSelStart(int32_t position) {
-  sel_start_ = std::clamp<int32_t>(position, 0, static_cast<int32_t>(text_.size()));
+  sel_start_ = std::clamp<int32_t>(position, 0, CharacterCount(text_));
   sel_length_ = 0;
 }
 
 void TextBox::SetSelLength(int32_t length) {
-  sel_length_ = std::clamp<int32_t>(length, 0, static_cast<int32_t>(text_.size()) - sel_start_);
+  sel_length_ = std::clamp<int32_t>(length, 0, CharacterCount(text_) - sel_start_);
 }
 
-std::string TextBox::SelText() const { return text_.substr(sel_start_, sel_length_); }
+std::string TextBox::SelText() const {
+  const size_t from = ByteAt(sel_start_);
+  return text_.substr(from, ByteAt(sel_start_ + sel_length_) - from);
+}
+
+size_t TextBox::ByteAt(int32_t position) const { return CharacterOffset(text_, position); }
 
 void TextBox::TypeKey(int16_t key) {
   if (events_ != nullptr) events_->Text1_KeyPress(key);
@@ -56,8 +64,8 @@ void TextBox::TypeKey(int16_t key) {
     Replace("");
   } else if (key == kPaste) {
     Replace(FirstLine(Env::Current().clipboard().GetText()));
-  } else if (IsCharacter(key)) {
-    Replace(std::string(1, static_cast<char>(key)));
+  } else if (IsCharacter(static_cast<uint16_t>(key))) {
+    Replace(Utf8Of(static_cast<uint16_t>(key)));
   }
 }
 
@@ -72,8 +80,9 @@ void TextBox::LostFocus() {
 void TextBox::Replace(const std::string& with) {
   if (sel_length_ == 0 && with.empty()) return;  // nothing selected, nothing typed
   const std::string before = text_;
-  text_.replace(sel_start_, sel_length_, with);
-  sel_start_ += static_cast<int32_t>(with.size());
+  const size_t from = ByteAt(sel_start_);
+  text_.replace(from, ByteAt(sel_start_ + sel_length_) - from, with);
+  sel_start_ += CharacterCount(with);
   sel_length_ = 0;
   if (text_ != before) Changed();
 }

@@ -18,8 +18,9 @@ class TextBoxEvents {
 };
 
 // A model of the platform's standard single-line text box, which a container gives a control
-// as its constituent Text1. Positions count characters from 0; the text holds single-byte
-// characters, as the key codes do.
+// as its constituent Text1. The text is UTF-8; positions count characters from 0 (a byte that
+// is no part of a well-formed sequence counts as one). A key code is a 16-bit character code,
+// as the platform sends it: codes from 0x8000 up come as negative numbers.
 class TextBox {
  public:
   void set_events(TextBoxEvents* events) { events_ = events; }
@@ -48,7 +49,8 @@ class TextBox {
   // typed: a character replaces the selection at the caret, Backspace (8) deletes the selection
   // or the character before the caret, Ctrl+V (22) pastes the clipboard's first line the same
   // way, Ctrl+C (3) copies the selection to the clipboard; other control keys, DEL (127) and
-  // codes outside a byte change nothing. A locked box runs the handler and takes nothing.
+  // the halves of surrogate pairs change nothing. A locked box runs the handler and takes
+  // nothing.
   void TypeKey(int16_t key);
   // Focus comes and goes: the got-focus and lost-focus handlers.
   void GotFocus();
@@ -56,6 +58,7 @@ class TextBox {
 
  private:
   void Replace(const std::string& with);  // the selection, then the caret behind what came in
+  size_t ByteAt(int32_t position) const;
   void Changed();
 
   std::string text_;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "qorvel/platform/env_testing.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -26,8 +27,8 @@ struct TextBoxTest : ::testing::Test {
   // The box's text with the caret or selection drawn in as [ ].
   std::string Shown() const {
     std::string t = box.Text();
-    t.insert(box.SelStart() + box.SelLength(), "]");
-    return t.insert(box.SelStart(), "[");
+    t.insert(CharacterOffset(t, box.SelStart() + box.SelLength()), "]");
+    return t.insert(CharacterOffset(t, box.SelStart()), "[");
   }
   ScopedEnv env;
   Recorder events;
@@ -65,11 +66,22 @@ TEST_F(TextBoxTest, KeysTypeDeleteAndPasteAtTheCaret) {
     const char* shown;
     const char* heard;
   } cases[] = {
-      {"abc", 1, 0, 'x', "ax[]bc", "KC"}, {"abc", 1, 1, 'x', "ax[]c", "KC"},
-      {"abc", 1, 0, 8, "[]bc", "KC"},     {"abc", 0, 0, 8, "[]abc", "K"},
-      {"abc", 0, 2, 8, "[]c", "KC"},      {"abc", 3, 0, 22, "abcXY[]", "KC"},
-      {"abc", 0, 3, 22, "XY[]", "KC"},    {"abc", 1, 0, 13, "a[]bc", "K"},
-      {"abc", 1, 0, 127, "a[]bc", "K"},   {"abc", 1, 0, -5, "a[]bc", "K"},
+      {"abc", 1, 0, 'x', "ax[]bc", "KC"},
+      {"abc", 1, 1, 'x', "ax[]c", "KC"},
+      {"abc", 1, 0, 8, "[]bc", "KC"},
+      {"abc", 0, 0, 8, "[]abc", "K"},
+      {"abc", 0, 2, 8, "[]c", "KC"},
+      {"abc", 3, 0, 22, "abcXY[]", "KC"},
+      {"abc", 0, 3, 22, "XY[]", "KC"},
+      {"abc", 1, 0, 13, "a[]bc", "K"},
+      {"abc", 1, 0, 127, "a[]bc", "K"},
+      {"abc", 1, 0, -0x2800, "a[]bc", "K"},                 // a surrogate
+      {"a\u00e9c", 2, 0, 0x66B, "a\u00e9\u066b[]c", "KC"},  // positions count characters
+      {"a\u00e9c", 2, 0, 8, "a[]c", "KC"},
+      {"a\u00e9c", 1, 1, -0x1000, "a\uf000[]c", "KC"},  // codes from 0x8000 up are negative
+      {"a\xff"
+       "c",
+       2, 0, 8, "a[]c", "KC"},           // a stray byte is a character of its own
       {"abc", 1, 0, '!', "a[]bc", "K"},  // swallowed by the handler
       {"abc", 1, 1, 'b', "ab[]c", "K"},  // typed over itself: no change
   };

@@ -1,11 +1,14 @@
 #include "qorvel/widgets/value_box.h"
 
+#include <optional>
+
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/registry_value.h"
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
 #include "qorvel/platform/registry.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel {
 namespace {
@@ -19,6 +22,14 @@ bool Contains(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
 }
 bool StartsWithMinus(const std::string& text) { return !text.empty() && text[0] == '-'; }
+
+// The key code that types the first character of `text`, as the text box numbers keys (codes
+// from 0x8000 up are negative); a character beyond 16 bits has none, and matches no key.
+std::optional<int16_t> KeyOf(const std::string& text) {
+  const uint32_t code = CharacterCode(text, 0);
+  if (code > 0xFFFF) return std::nullopt;
+  return static_cast<int16_t>(static_cast<uint16_t>(code));
+}
 
 }  // namespace
 
@@ -150,7 +161,7 @@ void ValueBox::Text1_KeyPress(int16_t& KeyAscii) {
   PrefixZero = false;
   const std::string& t = text1_->Text();
   const int32_t s = text1_->SelStart();
-  if (KeyAscii == static_cast<unsigned char>(DecimalSymbol[0])) {
+  if (KeyAscii == KeyOf(DecimalSymbol)) {
     const std::string sel = text1_->SelText();
     if (!Contains(sel, DecimalSymbol) && Contains(t, DecimalSymbol)) {
       KeyAscii = 0;  // a second symbol, unless it replaces the first

@@ -9,6 +9,7 @@
 #include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
 #include "qorvel/platform/numbers.h"
+#include "qorvel/platform/text.h"
 #include "qorvel/widgets/value_box_face.h"
 
 namespace qorvel {
@@ -83,21 +84,24 @@ constexpr Typing kEdgeTable[] = {
     {"1.5", 1.5, kEnd, 0, '.', "1.5", 3, 1.5, false},
 };
 
-std::string InRegion(std::string text, char symbol) {
-  std::replace(text.begin(), text.end(), '.', symbol);
-  return text;
+std::string InRegion(const std::string& text, const std::string& symbol) {
+  std::string out;
+  for (char c : text) out += c == '.' ? symbol : std::string(1, c);
+  return out;
 }
 
-void TypeTheEdgeTable(char symbol, const std::function<Box()>& site, Sink& sink) {
+// The symbol is one character, of one byte or more: its key is its character code.
+void TypeTheEdgeTable(const std::string& symbol, const std::function<Box()>& site, Sink& sink) {
+  const auto symbol_key = static_cast<int16_t>(CharacterCode(symbol, 0));
   for (const Typing& row : kEdgeTable) {
     Box box = site();
     TextBox& text1 = *box->Text1;
     box->object().SetValue(row.value);
     text1.SetText(InRegion(row.text, symbol));
-    text1.SetSelStart(row.caret == kEnd ? static_cast<int32_t>(text1.Text().size()) : row.caret);
+    text1.SetSelStart(row.caret == kEnd ? CharacterCount(text1.Text()) : row.caret);
     text1.SetSelLength(row.selected);
     sink.heard = 0;
-    text1.TypeKey(row.key == '.' ? symbol : row.key);
+    text1.TypeKey(row.key == '.' ? symbol_key : row.key);
     const std::string where = "'" + std::string(row.text) + "' + key " + std::to_string(row.key);
     EXPECT_EQ(text1.Text(), InRegion(row.text_after, symbol)) << where;
     EXPECT_EQ(text1.SelStart(), row.caret_after) << where;
@@ -108,13 +112,20 @@ void TypeTheEdgeTable(char symbol, const std::function<Box()>& site, Sink& sink)
 
 TEST_F(ValueBoxTest, EdgeTableInAPointRegion) {
   TypeTheEdgeTable(
-      '.', [this] { return Site(); }, *sink_);
+      ".", [this] { return Site(); }, *sink_);
+}
+
+// The Arabic decimal separator is two bytes in UTF-8 and one key.
+TEST_F(ValueBoxTest, EdgeTableWithAMultiByteSymbol) {
+  SetDecimalSymbol(env_.env().registry(), "\u066B");
+  TypeTheEdgeTable(
+      "\u066B", [this] { return Site(); }, *sink_);
 }
 
 TEST_F(ValueBoxTest, CommaRegionTakesTheCommaAndSwallowsThePoint) {
   SetDecimalSymbol(env_.env().registry(), ",");
   TypeTheEdgeTable(
-      ',', [this] { return Site(); }, *sink_);
+      ",", [this] { return Site(); }, *sink_);
   Box box = Site();
   for (int16_t key : {int16_t{'1'}, int16_t{'.'}, int16_t{'5'}}) box->Text1->TypeKey(key);
   EXPECT_EQ(box->Text1->Text(), "15");

@@ -58,4 +58,24 @@ fails(53, function() LoadForm(path) end)
 -- The run-time reads of the design-time properties.
 loaded.UserMode = true
 fails(393, function() return again.DecimalPlaces end)
+
+-- A decimal symbol of two bytes is one key, and numbers are saved with the point in any locale.
+Regional.SetDecimal("\u{66B}")
+local arabic = Form():Add("ValueBox", "Arabic")
+Text1(arabic):Type("1\u{66B}5")
+check(arabic.value, 1.5, "typed with the Arabic separator")
+check(Text1(arabic).SelStart, 3, "three characters")
+Regional.SetDecimal(".")
+if os.setlocale("de_DE.UTF-8") then
+  check(loaded:Text():find("Value = Double 2.5", 1, true) ~= nil, true, "saved with the point")
+  os.setlocale("C")
+end
+
+-- A control keeps its form: the form may be dropped first.
+local kept = Form(false):Add("ValueBox", "Kept")
+collectgarbage()
+collectgarbage()
+kept.value = 4
+check(kept.DecimalPlaces, 6, "still in its design-mode form")
+fails(5, function() Form():Add("ValueBox", "Unit price") end)
 print("forms: ok")

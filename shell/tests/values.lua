@@ -60,4 +60,10 @@ assert(not pcall(Regional.Set, {thousand = ","}) and Regional.Symbols().thousand
 Regional.Set{decimal = ".", thousand = " "}
 d:put(1, "1 000.5")
 assert(d:get(1) == 1000.5)
+-- A grouping symbol numbers couldn't be read back with is refused, as a decimal one is: with
+-- "E" grouping, 1E+20 would read back as 0.
+for _, bad in ipairs({"E", "e", "-", "+", "(", "&", "1", "", "\t"}) do
+  ok, err = pcall(Regional.Set, {thousand = bad})
+  assert(not ok and err.number == 5 and Regional.Symbols().thousand == " ", bad)
+end
 print("values: ok")
