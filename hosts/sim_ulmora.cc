@@ -125,13 +125,16 @@ void SimUlmora::AddEntity(Entity entity) {
   for (auto& [key, value] : entity.properties) upper[UpperCase(key)] = std::move(value);
   entity.properties = std::move(upper);
   std::lock_guard lock(mu_);
-  for (Entity& held : entities_) {
-    if (EqualsNoCase(held.name, entity.name)) {
-      held = std::move(entity);
-      return;
-    }
+  Hold(std::move(entity));
+}
+
+void SimUlmora::Hold(Entity entity) {
+  const auto [it, added] = index_.emplace(UpperCase(entity.name), entities_.size());
+  if (added) {
+    entities_.push_back(std::move(entity));
+  } else {
+    entities_[it->second] = std::move(entity);
   }
-  entities_.push_back(std::move(entity));
 }
 
 std::vector<SimUlmora::Entity> SimUlmora::entities() const {
@@ -401,7 +404,7 @@ void SimUlmora::Create(const Words& words) {
   }
   Changing();
   created_.push_back(entity.name);
-  entities_.push_back(std::move(entity));
+  Hold(std::move(entity));
 }
 
 // MODIFY name property value...: a number takes one number, a vector as many as it holds, a
@@ -453,6 +456,8 @@ void SimUlmora::Delete(const Words& words) {
     std::erase_if(entities_, [&](const Entity& e) { return EqualsNoCase(e.name, name); });
     for (auto* list : {&selection_, &created_, &updated_}) Unlist(*list, name);
   }
+  index_.clear();
+  for (size_t i = 0; i < entities_.size(); ++i) index_.emplace(UpperCase(entities_[i].name), i);
 }
 
 // SELECT name..., SELECT ADD name..., SELECT ALL, SELECT CLEARLIST. A quoted word is a name.
@@ -495,17 +500,14 @@ void SimUlmora::Changing() {
 }
 
 const SimUlmora::Entity* SimUlmora::Find(const std::string& name) const {
-  for (const Entity& e : entities_) {
-    if (EqualsNoCase(e.name, name)) return &e;
-  }
-  return nullptr;
+  const auto it = index_.find(UpperCase(name));
+  return it == index_.end() ? nullptr : &entities_[it->second];
 }
 
 SimUlmora::Entity& SimUlmora::Named(const std::string& name) {
-  for (Entity& e : entities_) {
-    if (EqualsNoCase(e.name, name)) return e;
-  }
-  RejectCommand("Entity not found: " + name);
+  const auto it = index_.find(UpperCase(name));
+  if (it == index_.end()) RejectCommand("Entity not found: " + name);
+  return entities_[it->second];
 }
 
 std::vector<std::string> SimUlmora::Known(std::vector<std::string> names) const {

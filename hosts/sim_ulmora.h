@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "hosts/sim_host.h"
@@ -90,11 +91,13 @@ class SimUlmora : public SimHost {
   // afresh; later changes of the same command or batch add to them.
   void Changing();
 
+  void Hold(Entity entity);  // adds it to the model, or replaces the one of its name
   const Entity* Find(const std::string& name) const;
   Entity& Named(const std::string& name);  // rejects a name the model doesn't hold
   std::vector<std::string> Known(std::vector<std::string> names) const;  // raises 5 for others
 
   std::vector<Entity> entities_;
+  std::unordered_map<std::string, size_t> index_;  // upper-cased name to its place in entities_
   std::vector<std::string> selection_, created_, updated_;
   bool counts_as_text_ = false;
   bool dialogs_ = true;

@@ -86,9 +86,13 @@ void Form::Save(const std::string& path) {
 }
 
 std::unique_ptr<Form> Form::Load(const std::string& path, bool user_mode) {
-  const std::vector<SavedControl> saved =
-      ParseFormText(ReadFileBytes(path, kMostFormBytes, "a form file"), path);
-  for (const SavedControl& c : saved) CheckSaved(c, path);
+  return FromText(ReadFileBytes(path, kMostFormBytes, "a form file"), path, user_mode);
+}
+
+std::unique_ptr<Form> Form::FromText(std::string_view text, const std::string& source,
+                                     bool user_mode) {
+  const std::vector<SavedControl> saved = ParseFormText(text, source);
+  for (const SavedControl& c : saved) CheckSaved(c, source);
   auto form = std::make_unique<Form>(user_mode);
   form->controls_.reserve(saved.size());
   for (const SavedControl& c : saved) form->Site(c.class_name, c.name, &c.bag);

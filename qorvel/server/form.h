@@ -42,6 +42,9 @@ class Form {
   // that isn't there; 5 for one that isn't a form, 429 for a class that isn't built, and 13, 6
   // or 94 for a saved property its control can't read, each naming the file and the line.
   static std::unique_ptr<Form> Load(const std::string& path, bool user_mode = true);
+  // The same from the text of a form file, with `source` named in its errors.
+  static std::unique_ptr<Form> FromText(std::string_view text, const std::string& source,
+                                        bool user_mode = true);
 
  private:
   AutomationObject Site(std::string_view class_name, const std::string& name,

@@ -1,0 +1,4 @@
+QorvelOLE form 1
+Begin ValueBox A
+  Value = Null
+End
