@@ -5,6 +5,7 @@
 
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/safe_array.h"
 #include "qorvel/platform/text.h"
 
 namespace qorvel {
@@ -27,6 +28,19 @@ MemberKind KindOf(CallKind kind) {
     default:
       return MemberKind::kMethod;
   }
+}
+
+bool IsArrayParam(const ParamInfo& p) {
+  return p.type == ParamType::kTextArray || p.type == ParamType::kDoubleArray;
+}
+
+// An array the client hasn't dimensioned yet: an Empty variable, or an array with no bounds.
+// The member gets one of the parameter's own element type to resize, as a typed variable of
+// the client's language would hold.
+bool IsUndimensionedArray(const ParamInfo& p, const Variant& arg) {
+  if (!IsArrayParam(p)) return false;
+  if (arg.is_empty()) return true;
+  return arg.is_array() && arg.ToArray().dims() == 0;
 }
 
 const InterfaceInfo* EventInterfaceOf(const ClassInfo& c) {
@@ -90,6 +104,8 @@ std::vector<Variant> ClassObject::Prepare(const MemberInfo& member, std::span<Va
     const bool given = i < args.size() && !(p.optional && args[i].is_empty());
     if (!given) {
       prepared.push_back(DefaultOf(p));
+    } else if (IsUndimensionedArray(p, args[i])) {
+      prepared.push_back(SafeArray(AutomationType(p.type), {}));
     } else if (DispatchType(p) == VarType::kVariant) {
       prepared.push_back(args[i].Deref());
     } else {
@@ -126,6 +142,10 @@ void ClassObject::WriteBack(const MemberInfo& member, std::span<Variant> args,
   std::optional<Error> refused;
   for (size_t i = 0; i < args.size(); ++i) {
     if (!member.params[i].by_ref || !args[i].is_ref()) continue;
+    // An Empty variable whose array the member left undimensioned stays Empty.
+    if (args[i].is_empty() && prepared[i].is_array() && prepared[i].ToArray().dims() == 0) {
+      continue;
+    }
     try {
       args[i].Assign(prepared[i]);
     } catch (const Error& e) {

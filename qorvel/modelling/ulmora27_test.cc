@@ -258,6 +258,18 @@ TEST_F(Ulmora27Test, ArraysComeBackByReferenceThroughTheFace) {
   std::vector<Variant> refused{Variant::Ref(fixed), Variant::Ref(types), Variant::Ref(number)};
   EXPECT_EQ(ErrorOf([&] { CallMember(ulmora, "GetSelectedEntities", refused); }), 10);
   EXPECT_EQ(number, 2);
+
+  // A script's variables that hold no array yet get arrays of text, or stay Empty when there
+  // is nothing to list.
+  for (const std::vector<std::string>& selected : {std::vector<std::string>{"S1"}, {}}) {
+    host_->Select(selected);
+    Variant loose_names, loose_types;
+    std::vector<Variant> loose{Variant::Ref(loose_names), Variant::Ref(loose_types),
+                               Variant::Ref(number)};
+    CallMember(ulmora, "GetSelectedEntities", loose);
+    EXPECT_EQ(loose_names.vt(), selected.empty() ? 0 : 0x2008);
+    EXPECT_EQ(loose_types.vt(), selected.empty() ? 0 : 0x2008);
+  }
 }
 
 }  // namespace
