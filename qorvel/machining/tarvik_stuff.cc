@@ -1,5 +1,7 @@
 #include "qorvel/machining/tarvik_stuff.h"
 
+#include <algorithm>
+
 #include "qorvel/platform/automation_error.h"
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/numbers.h"
@@ -40,16 +42,21 @@ std::vector<std::string_view> SplitAt(std::string_view text, std::string_view se
   }
 }
 
+// In place, and not at all where the word doesn't stand: a long reply of blanks loses its few
+// words without a copy of itself for each.
 void RemoveAll(std::string& text, std::string_view word) {
-  std::string out;
-  out.reserve(text.size());
-  for (size_t pos = 0;;) {
-    const size_t hit = text.find(word, pos);
-    out.append(text, pos, hit == std::string::npos ? std::string::npos : hit - pos);
+  size_t hit = text.find(word);
+  if (hit == std::string::npos) return;
+  size_t kept = hit;
+  for (size_t pos = hit + word.size();;) {
+    hit = text.find(word, pos);
+    const size_t end = hit == std::string::npos ? text.size() : hit;
+    std::copy(text.begin() + pos, text.begin() + end, text.begin() + kept);
+    kept += end - pos;
     if (hit == std::string::npos) break;
     pos = hit + word.size();
   }
-  text = std::move(out);
+  text.resize(kept);
 }
 
 std::string_view StripBlanks(std::string_view text) {
