@@ -88,7 +88,7 @@ int FormNames(lua_State* L) {
   const auto form = ArgForm(L);
   lua_createtable(L, int(form->controls().size()), 0);
   for (size_t i = 0; i < form->controls().size(); ++i) {
-    lua_pushstring(L, form->controls()[i].first.c_str());
+    PushString(L, form->controls()[i].first);
     lua_rawseti(L, -2, lua_Integer(i + 1));
   }
   return 1;
@@ -100,7 +100,7 @@ int FormSave(lua_State* L) {
 }
 
 int FormText(lua_State* L) {
-  lua_pushstring(L, ArgForm(L)->Text().c_str());
+  PushString(L, ArgForm(L)->Text());
   return 1;
 }
 
@@ -108,7 +108,7 @@ int FormChanges(lua_State* L) {
   const std::vector<std::string> changes = ArgForm(L)->container().property_changes();
   lua_createtable(L, int(changes.size()), 0);
   for (size_t i = 0; i < changes.size(); ++i) {
-    lua_pushstring(L, changes[i].c_str());
+    PushString(L, changes[i]);
     lua_rawseti(L, -2, lua_Integer(i + 1));
   }
   return 1;
@@ -122,7 +122,8 @@ int FormIndex(lua_State* L) {
     return 1;
   }
   luaL_getmetatable(L, kFormMeta);
-  lua_getfield(L, -1, key.c_str());
+  PushString(L, key);
+  lua_rawget(L, -2);
   return 1;
 }
 
@@ -180,13 +181,13 @@ int BoxIndex(lua_State* L) {
   const qorvel::TextBox& box = ArgBox(L);
   const std::string key = ArgString(L, 2);
   if (key == "Text") {
-    lua_pushlstring(L, box.Text().data(), box.Text().size());
+    PushString(L, box.Text());
   } else if (key == "SelStart") {
     lua_pushinteger(L, box.SelStart());
   } else if (key == "SelLength") {
     lua_pushinteger(L, box.SelLength());
   } else if (key == "SelText") {
-    lua_pushstring(L, box.SelText().c_str());
+    PushString(L, box.SelText());
   } else if (key == "Locked") {
     lua_pushboolean(L, box.Locked);
   } else if (key == "BackColor") {
@@ -198,7 +199,8 @@ int BoxIndex(lua_State* L) {
                                        : box.Height);
   } else {
     luaL_getmetatable(L, kTextBoxMeta);
-    lua_getfield(L, -1, key.c_str());
+    PushString(L, key);
+    lua_rawget(L, -2);
   }
   return 1;
 }
@@ -284,7 +286,7 @@ int ClipboardSet(lua_State* L) {
 }
 
 int ClipboardGet(lua_State* L) {
-  lua_pushstring(L, qorvel::Env::Current().clipboard().GetText().c_str());
+  PushString(L, qorvel::Env::Current().clipboard().GetText());
   return 1;
 }
 

@@ -49,7 +49,7 @@ Member Resolve(const qorvel::Dispatch& object, const std::string& key) {
 // member of an object that doesn't describe its members. Upvalues: the name and the kind.
 int CallClosure(lua_State* L) {
   const AutomationObject object = ArgObject(L, 1);
-  const std::string name = lua_tostring(L, lua_upvalueindex(1));
+  const std::string name = StringAt(L, lua_upvalueindex(1));
   const auto kind = static_cast<CallKind>(lua_tointeger(L, lua_upvalueindex(2)));
   return CallMember(L, object, name, kind, 2);
 }

@@ -43,7 +43,9 @@ lua_State* NewShell() {
 // errors get a traceback.
 int MessageHandler(lua_State* L) {
   if (lua_type(L, 1) == LUA_TTABLE) return 1;
-  luaL_traceback(L, L, qvsh::ErrorText(L, 1).c_str(), 1);
+  qvsh::PushString(L, qvsh::ErrorText(L, 1) + "\n");  // whole: a message may hold zero bytes
+  luaL_traceback(L, L, nullptr, 1);
+  lua_concat(L, 2);
   return 1;
 }
 
