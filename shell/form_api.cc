@@ -10,6 +10,7 @@
 #include "qorvel/platform/error.h"
 #include "qorvel/server/form.h"
 #include "shell/lua_errors.h"
+#include "shell/lua_holders.h"
 #include "shell/lua_values.h"
 #include "shell/qvsh.h"
 
@@ -22,31 +23,15 @@ using qorvel::Form;
 constexpr const char* kFormMeta = "qvsh.form";
 constexpr const char* kTextBoxMeta = "qvsh.textbox";
 
-// A userdata that holds a shared value; its finalizer lets go of the value and leaves the
-// userdata empty, so a finalizer that reaches it later gets error 91, not freed memory.
+// Forms and text boxes are held shared, so that the one a function works on outlives a
+// finalizer that releases its userdata meanwhile.
 template <class T>
-struct Holder {
-  std::shared_ptr<T> value;
-};
-
-template <class T>
-void Push(lua_State* L, std::shared_ptr<T> value, const char* meta) {
-  new (lua_newuserdatauv(L, sizeof(Holder<T>), 0)) Holder<T>{std::move(value)};
-  luaL_setmetatable(L, meta);
-}
-
-template <class T>
-std::shared_ptr<T> Held(lua_State* L, int arg, const char* meta, const char* what) {
-  auto* holder = static_cast<Holder<T>*>(luaL_testudata(L, arg, meta));
-  if (holder == nullptr) throw ArgError(arg, std::string(what) + " expected");
-  if (!holder->value) throw qorvel::Error(qorvel::err::kObjectNotSet);
-  return holder->value;
-}
-
-template <class T>
-int Release(lua_State* L) {
-  static_cast<Holder<T>*>(lua_touserdata(L, 1))->value.reset();
-  return 0;
+std::shared_ptr<T> ArgShared(lua_State* L, int arg, const char* meta, const char* what) {
+  bool released = false;
+  const auto* value = FindHeld<std::shared_ptr<T>>(L, arg, meta, &released);
+  if (released) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  if (value == nullptr) throw ArgError(arg, std::string(what) + " expected");
+  return *value;
 }
 
 AutomationObject ArgControl(lua_State* L, int arg) {
@@ -60,17 +45,17 @@ AutomationObject ArgControl(lua_State* L, int arg) {
 
 int NewForm(lua_State* L) {
   const bool user_mode = lua_isnoneornil(L, 1) || lua_toboolean(L, 1);
-  Push(L, std::make_shared<Form>(user_mode), kFormMeta);
+  PushHeld(L, std::make_shared<Form>(user_mode), kFormMeta);
   return 1;
 }
 
 int LoadForm(lua_State* L) {
   const bool user_mode = lua_isnoneornil(L, 2) || lua_toboolean(L, 2);
-  Push(L, std::shared_ptr<Form>(Form::Load(ArgString(L, 1), user_mode)), kFormMeta);
+  PushHeld(L, std::shared_ptr<Form>(Form::Load(ArgString(L, 1), user_mode)), kFormMeta);
   return 1;
 }
 
-std::shared_ptr<Form> ArgForm(lua_State* L) { return Held<Form>(L, 1, kFormMeta, "form"); }
+std::shared_ptr<Form> ArgForm(lua_State* L) { return ArgShared<Form>(L, 1, kFormMeta, "form"); }
 
 int FormAdd(lua_State* L) {
   PushObject(L, ArgForm(L)->Add(ArgString(L, 2), ArgString(L, 3)));
@@ -146,12 +131,13 @@ int Text1(lua_State* L) {
   auto shell = std::dynamic_pointer_cast<qorvel::ControlShell>(control);
   if (!shell || !shell->Text1) throw ArgError(1, "a control with a text box expected");
   qorvel::TextBox* box = &*shell->Text1;
-  Push(L, std::make_shared<TextBoxHandle>(TextBoxHandle{std::move(control), box}), kTextBoxMeta);
+  PushHeld(L, std::make_shared<TextBoxHandle>(TextBoxHandle{std::move(control), box}),
+           kTextBoxMeta);
   return 1;
 }
 
 qorvel::TextBox& ArgBox(lua_State* L) {
-  return *Held<TextBoxHandle>(L, 1, kTextBoxMeta, "text box")->box;
+  return *ArgShared<TextBoxHandle>(L, 1, kTextBoxMeta, "text box")->box;
 }
 
 int BoxType(lua_State* L) {
@@ -301,7 +287,7 @@ void NewMeta(lua_State* L, const char* meta, const luaL_Reg* methods) {
 void OpenForms(lua_State* L) {
   const luaL_Reg form[] = {{"__index", Protected<FormIndex>},
                            {"__newindex", Protected<FormNewIndex>},
-                           {"__gc", Release<Form>},
+                           {"__gc", CollectHeld},
                            {"Add", Protected<FormAdd>},
                            {"Control", Protected<FormControl>},
                            {"Names", Protected<FormNames>},
@@ -310,10 +296,14 @@ void OpenForms(lua_State* L) {
                            {"Changes", Protected<FormChanges>},
                            {nullptr, nullptr}};
   NewMeta(L, kFormMeta, form);
-  const luaL_Reg box[] = {{"__index", Protected<BoxIndex>}, {"__newindex", Protected<BoxNewIndex>},
-                          {"__gc", Release<TextBoxHandle>}, {"Type", Protected<BoxType>},
-                          {"Key", Protected<BoxKey>},       {"Focus", Protected<BoxFocus>},
-                          {"Blur", Protected<BoxBlur>},     {nullptr, nullptr}};
+  const luaL_Reg box[] = {{"__index", Protected<BoxIndex>},
+                          {"__newindex", Protected<BoxNewIndex>},
+                          {"__gc", CollectHeld},
+                          {"Type", Protected<BoxType>},
+                          {"Key", Protected<BoxKey>},
+                          {"Focus", Protected<BoxFocus>},
+                          {"Blur", Protected<BoxBlur>},
+                          {nullptr, nullptr}};
   NewMeta(L, kTextBoxMeta, box);
   lua_register(L, "Form", Protected<NewForm>);
   lua_register(L, "LoadForm", Protected<LoadForm>);

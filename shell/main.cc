@@ -8,6 +8,7 @@
 #include "hosts/simulators.h"
 #include "qorvel/server/registration.h"
 #include "shell/lua_errors.h"
+#include "shell/lua_holders.h"
 #include "shell/qvsh.h"
 #include "shell/shell_env.h"
 
@@ -26,7 +27,8 @@ void SetUpLibrary() {
 }
 
 lua_State* NewShell() {
-  lua_State* L = luaL_newstate();
+  lua_State* L = qvsh::NewState();
+  if (L == nullptr) return nullptr;
   luaL_openlibs(L);
   qvsh::OpenErrors(L);
   qvsh::OpenValues(L);
@@ -141,8 +143,13 @@ int main(int argc, char** argv) {
   qorvel::Env* const previous = qorvel::Env::Install(&env);
   SetUpLibrary();
   lua_State* L = NewShell();
-  const int code = argc > 1 ? RunScript(L, argc, argv) : Repl(L);
-  lua_close(L);  // releases the script's objects while the environment is still there
+  int code = 1;
+  if (L == nullptr) {
+    std::cerr << "qvsh: not enough memory for a Lua state" << std::endl;
+  } else {
+    code = argc > 1 ? RunScript(L, argc, argv) : Repl(L);
+    qvsh::CloseState(L);  // releases the script's objects while the environment is still there
+  }
   qorvel::Env::Install(previous);
   return code;
 }
