@@ -206,40 +206,100 @@ int BoxNewIndex(lua_State* L) {
   return 0;
 }
 
-// Events: a table of Lua functions by event name hears a control's outgoing interface.
+// Events: a table of Lua functions by event name hears a control's outgoing interface. The
+// handlers run on the main thread: a coroutine that connected them may be gone by the time an
+// event comes.
+
+// One event on its way to its handler.
+struct HandlerCall {
+  int handlers;
+  const char* event;
+  std::span<qorvel::Variant> args;
+};
+
+int PushArguments(lua_State* L) {
+  const auto& call = *static_cast<const HandlerCall*>(lua_touserdata(L, 1));
+  if (!lua_checkstack(L, int(call.args.size()))) throw qorvel::Error(qorvel::err::kOverflow);
+  for (const qorvel::Variant& a : call.args) PushVariant(L, a);
+  return int(call.args.size());
+}
+
+// The lookup may raise too (an __index of the table), so it runs in the same protected call
+// as the handler. No C++ value lives here for a Lua error to skip.
+int RunHandler(lua_State* L) {
+  const auto* call = static_cast<const HandlerCall*>(lua_touserdata(L, 1));
+  lua_rawgeti(L, LUA_REGISTRYINDEX, call->handlers);
+  lua_getfield(L, -1, call->event);
+  if (!lua_isfunction(L, -1)) return 0;
+  const int handler = lua_gettop(L);
+  lua_pushcfunction(L, Protected<PushArguments>);
+  lua_pushlightuserdata(L, lua_touserdata(L, 1));
+  lua_call(L, 1, LUA_MULTRET);
+  lua_call(L, lua_gettop(L) - handler, 0);
+  return 0;
+}
+
+// A handler's error, as text: printing it then needs nothing more of Lua.
+int HandlerMessage(lua_State* L) {
+  PushString(L, ErrorText(L, 1));
+  return 1;
+}
+
+lua_State* MainThread(lua_State* L) {
+  lua_rawgeti(L, LUA_REGISTRYINDEX, LUA_RIDX_MAINTHREAD);
+  lua_State* main = lua_tothread(L, -1);
+  lua_pop(L, 1);
+  return main;
+}
 
 class LuaSink : public qorvel::Dispatch {
  public:
-  LuaSink(lua_State* L, int handlers, const qorvel::InterfaceInfo& events)
-      : L_(L), handlers_(handlers), events_(events) {}
+  LuaSink(lua_State* main, const qorvel::InterfaceInfo& events) : main_(main), events_(events) {}
+  LuaSink(const LuaSink&) = delete;
+  LuaSink& operator=(const LuaSink&) = delete;
+
+  // Lets go of the handlers, so that a control a handler names can go once it is disconnected.
+  // Neither luaL_unref nor lua_checkstack allocates or raises, and the stack is the main
+  // thread's, so this is safe wherever the sink goes: in a finalizer, under the control's
+  // lock. Once the state is closed, the registry has gone with it.
+  static_assert(LUA_VERSION_RELEASE_NUM >= 50403, "luaL_unref may allocate before Lua 5.4.3");
+  ~LuaSink() override {
+    if (handlers_ == LUA_NOREF || !StateOpen(main_) || !lua_checkstack(main_, 2)) return;
+    luaL_unref(main_, LUA_REGISTRYINDEX, handlers_);
+  }
+
+  // The table on top of `L`'s stack, popped.
+  void Hold(lua_State* L) { handlers_ = luaL_ref(L, LUA_REGISTRYINDEX); }
 
   qorvel::Variant Invoke(std::string_view, qorvel::CallKind, std::span<qorvel::Variant>) override {
     qorvel::Raise(qorvel::err::kNoMember);
   }
 
   // A handler's own error is printed and the control goes on, as a client's handler error is
-  // the client's affair.
+  // the client's affair. No Lua error gets past here into the control's frames.
   qorvel::Variant InvokeById(int32_t dispid, qorvel::CallKind,
                              std::span<qorvel::Variant> args) override {
     const qorvel::MemberInfo* event =
         qorvel::FindMember(events_, dispid, qorvel::MemberKind::kMethod);
-    if (event == nullptr) return {};
-    const int top = lua_gettop(L_);
-    lua_rawgeti(L_, LUA_REGISTRYINDEX, handlers_);
-    lua_getfield(L_, -1, event->name.c_str());
-    if (lua_isfunction(L_, -1)) {
-      for (const qorvel::Variant& a : args) PushVariant(L_, a.Deref());
-      if (lua_pcall(L_, int(args.size()), 0, 0) != LUA_OK) {
-        std::cerr << "qvsh: " << event->name << " handler: " << ErrorText(L_, -1) << std::endl;
-      }
+    if (event == nullptr || !StateOpen(main_) || !lua_checkstack(main_, 3)) return {};
+    HandlerCall call{handlers_, event->name.c_str(), args};
+    const int top = lua_gettop(main_);
+    lua_pushcfunction(main_, Protected<HandlerMessage>);
+    lua_pushcfunction(main_, RunHandler);
+    lua_pushlightuserdata(main_, &call);
+    if (lua_pcall(main_, 1, 0, top + 1) != LUA_OK) {
+      size_t size = 0;
+      const char* text = lua_tolstring(main_, -1, &size);  // a string: HandlerMessage made it
+      std::cerr << "qvsh: " << event->name
+                << " handler: " << std::string_view(text != nullptr ? text : "", size) << std::endl;
     }
-    lua_settop(L_, top);
+    lua_settop(main_, top);
     return {};
   }
 
  private:
-  lua_State* L_;
-  int handlers_;  // a reference in the registry, kept for the life of the state
+  lua_State* main_;
+  int handlers_ = LUA_NOREF;  // a reference in the registry
   const qorvel::InterfaceInfo& events_;
 };
 
@@ -253,16 +313,22 @@ int Advise(lua_State* L) {
   const auto object = ArgClassObject(L);
   ArgTable(L, 2);
   if (object->event_interface() == nullptr) throw qorvel::Error(qorvel::err::kNoMember);
+  auto sink = std::make_shared<LuaSink>(MainThread(L), *object->event_interface());
   lua_pushvalue(L, 2);
-  const int handlers = luaL_ref(L, LUA_REGISTRYINDEX);
-  lua_pushinteger(
-      L, object->Advise(std::make_shared<LuaSink>(L, handlers, *object->event_interface())));
+  sink->Hold(L);
+  lua_pushinteger(L, object->Advise(std::move(sink)));
   return 1;
 }
 
+// A cookie is 32 bits: one beyond that connects nothing, whatever its low bits say.
 int Unadvise(lua_State* L) {
+  const auto object = ArgClassObject(L);
   const lua_Integer cookie = ArgInteger(L, 2);
-  ArgClassObject(L)->Unadvise(static_cast<int32_t>(cookie));
+  if (cookie < INT32_MIN || cookie > INT32_MAX) {
+    qorvel::Raise(qorvel::err::kInvalidCall,
+                  "No sink is connected with cookie " + std::to_string(cookie));
+  }
+  object->Unadvise(int32_t(cookie));
   return 0;
 }
 
