@@ -11,6 +11,7 @@
 #include "qorvel/platform/text.h"
 #include "qorvel/server/form.h"
 #include "shell/lua_errors.h"
+#include "shell/lua_holders.h"
 #include "shell/lua_values.h"
 #include "shell/qvsh.h"
 
@@ -23,31 +24,15 @@ using qorvel::Form;
 constexpr const char* kFormMeta = "qvsh.form";
 constexpr const char* kTextBoxMeta = "qvsh.textbox";
 
-// A userdata that holds a shared value; its finalizer lets go of the value and leaves the
-// userdata empty, so a finalizer that reaches it later gets error 91, not freed memory.
+// Forms and text boxes are held shared, so that the one a function works on outlives a
+// finalizer that releases its userdata meanwhile.
 template <class T>
-struct Holder {
-  std::shared_ptr<T> value;
-};
-
-template <class T>
-void Push(lua_State* L, std::shared_ptr<T> value, const char* meta) {
-  new (lua_newuserdatauv(L, sizeof(Holder<T>), 0)) Holder<T>{std::move(value)};
-  luaL_setmetatable(L, meta);
-}
-
-template <class T>
-std::shared_ptr<T> Held(lua_State* L, int arg, const char* meta, const char* what) {
-  auto* holder = static_cast<Holder<T>*>(luaL_testudata(L, arg, meta));
-  if (holder == nullptr) throw ArgError(arg, std::string(what) + " expected");
-  if (!holder->value) throw qorvel::Error(qorvel::err::kObjectNotSet);
-  return holder->value;
-}
-
-template <class T>
-int Release(lua_State* L) {
-  static_cast<Holder<T>*>(lua_touserdata(L, 1))->value.reset();
-  return 0;
+std::shared_ptr<T> ArgShared(lua_State* L, int arg, const char* meta, const char* what) {
+  bool released = false;
+  const auto* value = FindHeld<std::shared_ptr<T>>(L, arg, meta, &released);
+  if (released) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  if (value == nullptr) throw ArgError(arg, std::string(what) + " expected");
+  return *value;
 }
 
 AutomationObject ArgControl(lua_State* L, int arg) {
@@ -61,17 +46,17 @@ AutomationObject ArgControl(lua_State* L, int arg) {
 
 int NewForm(lua_State* L) {
   const bool user_mode = lua_isnoneornil(L, 1) || lua_toboolean(L, 1);
-  Push(L, std::make_shared<Form>(user_mode), kFormMeta);
+  PushHeld(L, std::make_shared<Form>(user_mode), kFormMeta);
   return 1;
 }
 
 int LoadForm(lua_State* L) {
   const bool user_mode = lua_isnoneornil(L, 2) || lua_toboolean(L, 2);
-  Push(L, std::shared_ptr<Form>(Form::Load(ArgString(L, 1), user_mode)), kFormMeta);
+  PushHeld(L, std::shared_ptr<Form>(Form::Load(ArgString(L, 1), user_mode)), kFormMeta);
   return 1;
 }
 
-std::shared_ptr<Form> ArgForm(lua_State* L) { return Held<Form>(L, 1, kFormMeta, "form"); }
+std::shared_ptr<Form> ArgForm(lua_State* L) { return ArgShared<Form>(L, 1, kFormMeta, "form"); }
 
 int FormAdd(lua_State* L) {
   PushObject(L, ArgForm(L)->Add(ArgString(L, 2), ArgString(L, 3)));
@@ -89,7 +74,7 @@ int FormNames(lua_State* L) {
   const auto form = ArgForm(L);
   lua_createtable(L, int(form->controls().size()), 0);
   for (size_t i = 0; i < form->controls().size(); ++i) {
-    lua_pushstring(L, form->controls()[i].first.c_str());
+    PushString(L, form->controls()[i].first);
     lua_rawseti(L, -2, lua_Integer(i + 1));
   }
   return 1;
@@ -101,7 +86,7 @@ int FormSave(lua_State* L) {
 }
 
 int FormText(lua_State* L) {
-  lua_pushstring(L, ArgForm(L)->Text().c_str());
+  PushString(L, ArgForm(L)->Text());
   return 1;
 }
 
@@ -109,7 +94,7 @@ int FormChanges(lua_State* L) {
   const std::vector<std::string> changes = ArgForm(L)->container().property_changes();
   lua_createtable(L, int(changes.size()), 0);
   for (size_t i = 0; i < changes.size(); ++i) {
-    lua_pushstring(L, changes[i].c_str());
+    PushString(L, changes[i]);
     lua_rawseti(L, -2, lua_Integer(i + 1));
   }
   return 1;
@@ -123,7 +108,8 @@ int FormIndex(lua_State* L) {
     return 1;
   }
   luaL_getmetatable(L, kFormMeta);
-  lua_getfield(L, -1, key.c_str());
+  PushString(L, key);
+  lua_rawget(L, -2);
   return 1;
 }
 
@@ -146,12 +132,13 @@ int Text1(lua_State* L) {
   auto shell = std::dynamic_pointer_cast<qorvel::ControlShell>(control);
   if (!shell || !shell->Text1) throw ArgError(1, "a control with a text box expected");
   qorvel::TextBox* box = &*shell->Text1;
-  Push(L, std::make_shared<TextBoxHandle>(TextBoxHandle{std::move(control), box}), kTextBoxMeta);
+  PushHeld(L, std::make_shared<TextBoxHandle>(TextBoxHandle{std::move(control), box}),
+           kTextBoxMeta);
   return 1;
 }
 
 qorvel::TextBox& ArgBox(lua_State* L) {
-  return *Held<TextBoxHandle>(L, 1, kTextBoxMeta, "text box")->box;
+  return *ArgShared<TextBoxHandle>(L, 1, kTextBoxMeta, "text box")->box;
 }
 
 // One key a character of the UTF-8 text, by its 16-bit code; a byte that starts no character
@@ -190,13 +177,13 @@ int BoxIndex(lua_State* L) {
   const qorvel::TextBox& box = ArgBox(L);
   const std::string key = ArgString(L, 2);
   if (key == "Text") {
-    lua_pushlstring(L, box.Text().data(), box.Text().size());
+    PushString(L, box.Text());
   } else if (key == "SelStart") {
     lua_pushinteger(L, box.SelStart());
   } else if (key == "SelLength") {
     lua_pushinteger(L, box.SelLength());
   } else if (key == "SelText") {
-    lua_pushstring(L, box.SelText().c_str());
+    PushString(L, box.SelText());
   } else if (key == "Locked") {
     lua_pushboolean(L, box.Locked);
   } else if (key == "BackColor") {
@@ -208,7 +195,8 @@ int BoxIndex(lua_State* L) {
                                        : box.Height);
   } else {
     luaL_getmetatable(L, kTextBoxMeta);
-    lua_getfield(L, -1, key.c_str());
+    PushString(L, key);
+    lua_rawget(L, -2);
   }
   return 1;
 }
@@ -228,40 +216,100 @@ int BoxNewIndex(lua_State* L) {
   return 0;
 }
 
-// Events: a table of Lua functions by event name hears a control's outgoing interface.
+// Events: a table of Lua functions by event name hears a control's outgoing interface. The
+// handlers run on the main thread: a coroutine that connected them may be gone by the time an
+// event comes.
+
+// One event on its way to its handler.
+struct HandlerCall {
+  int handlers;
+  const char* event;
+  std::span<qorvel::Variant> args;
+};
+
+int PushArguments(lua_State* L) {
+  const auto& call = *static_cast<const HandlerCall*>(lua_touserdata(L, 1));
+  if (!lua_checkstack(L, int(call.args.size()))) throw qorvel::Error(qorvel::err::kOverflow);
+  for (const qorvel::Variant& a : call.args) PushVariant(L, a);
+  return int(call.args.size());
+}
+
+// The lookup may raise too (an __index of the table), so it runs in the same protected call
+// as the handler. No C++ value lives here for a Lua error to skip.
+int RunHandler(lua_State* L) {
+  const auto* call = static_cast<const HandlerCall*>(lua_touserdata(L, 1));
+  lua_rawgeti(L, LUA_REGISTRYINDEX, call->handlers);
+  lua_getfield(L, -1, call->event);
+  if (!lua_isfunction(L, -1)) return 0;
+  const int handler = lua_gettop(L);
+  lua_pushcfunction(L, Protected<PushArguments>);
+  lua_pushlightuserdata(L, lua_touserdata(L, 1));
+  lua_call(L, 1, LUA_MULTRET);
+  lua_call(L, lua_gettop(L) - handler, 0);
+  return 0;
+}
+
+// A handler's error, as text: printing it then needs nothing more of Lua.
+int HandlerMessage(lua_State* L) {
+  PushString(L, ErrorText(L, 1));
+  return 1;
+}
+
+lua_State* MainThread(lua_State* L) {
+  lua_rawgeti(L, LUA_REGISTRYINDEX, LUA_RIDX_MAINTHREAD);
+  lua_State* main = lua_tothread(L, -1);
+  lua_pop(L, 1);
+  return main;
+}
 
 class LuaSink : public qorvel::Dispatch {
  public:
-  LuaSink(lua_State* L, int handlers, const qorvel::InterfaceInfo& events)
-      : L_(L), handlers_(handlers), events_(events) {}
+  LuaSink(lua_State* main, const qorvel::InterfaceInfo& events) : main_(main), events_(events) {}
+  LuaSink(const LuaSink&) = delete;
+  LuaSink& operator=(const LuaSink&) = delete;
+
+  // Lets go of the handlers, so that a control a handler names can go once it is disconnected.
+  // Neither luaL_unref nor lua_checkstack allocates or raises, and the stack is the main
+  // thread's, so this is safe wherever the sink goes: in a finalizer, under the control's
+  // lock. Once the state is closed, the registry has gone with it.
+  static_assert(LUA_VERSION_RELEASE_NUM >= 50403, "luaL_unref may allocate before Lua 5.4.3");
+  ~LuaSink() override {
+    if (handlers_ == LUA_NOREF || !StateOpen(main_) || !lua_checkstack(main_, 2)) return;
+    luaL_unref(main_, LUA_REGISTRYINDEX, handlers_);
+  }
+
+  // The table on top of `L`'s stack, popped.
+  void Hold(lua_State* L) { handlers_ = luaL_ref(L, LUA_REGISTRYINDEX); }
 
   qorvel::Variant Invoke(std::string_view, qorvel::CallKind, std::span<qorvel::Variant>) override {
     qorvel::Raise(qorvel::err::kNoMember);
   }
 
   // A handler's own error is printed and the control goes on, as a client's handler error is
-  // the client's affair.
+  // the client's affair. No Lua error gets past here into the control's frames.
   qorvel::Variant InvokeById(int32_t dispid, qorvel::CallKind,
                              std::span<qorvel::Variant> args) override {
     const qorvel::MemberInfo* event =
         qorvel::FindMember(events_, dispid, qorvel::MemberKind::kMethod);
-    if (event == nullptr) return {};
-    const int top = lua_gettop(L_);
-    lua_rawgeti(L_, LUA_REGISTRYINDEX, handlers_);
-    lua_getfield(L_, -1, event->name.c_str());
-    if (lua_isfunction(L_, -1)) {
-      for (const qorvel::Variant& a : args) PushVariant(L_, a.Deref());
-      if (lua_pcall(L_, int(args.size()), 0, 0) != LUA_OK) {
-        std::cerr << "qvsh: " << event->name << " handler: " << ErrorText(L_, -1) << std::endl;
-      }
+    if (event == nullptr || !StateOpen(main_) || !lua_checkstack(main_, 3)) return {};
+    HandlerCall call{handlers_, event->name.c_str(), args};
+    const int top = lua_gettop(main_);
+    lua_pushcfunction(main_, Protected<HandlerMessage>);
+    lua_pushcfunction(main_, RunHandler);
+    lua_pushlightuserdata(main_, &call);
+    if (lua_pcall(main_, 1, 0, top + 1) != LUA_OK) {
+      size_t size = 0;
+      const char* text = lua_tolstring(main_, -1, &size);  // a string: HandlerMessage made it
+      std::cerr << "qvsh: " << event->name
+                << " handler: " << std::string_view(text != nullptr ? text : "", size) << std::endl;
     }
-    lua_settop(L_, top);
+    lua_settop(main_, top);
     return {};
   }
 
  private:
-  lua_State* L_;
-  int handlers_;  // a reference in the registry, kept for the life of the state
+  lua_State* main_;
+  int handlers_ = LUA_NOREF;  // a reference in the registry
   const qorvel::InterfaceInfo& events_;
 };
 
@@ -275,16 +323,22 @@ int Advise(lua_State* L) {
   const auto object = ArgClassObject(L);
   ArgTable(L, 2);
   if (object->event_interface() == nullptr) throw qorvel::Error(qorvel::err::kNoMember);
+  auto sink = std::make_shared<LuaSink>(MainThread(L), *object->event_interface());
   lua_pushvalue(L, 2);
-  const int handlers = luaL_ref(L, LUA_REGISTRYINDEX);
-  lua_pushinteger(
-      L, object->Advise(std::make_shared<LuaSink>(L, handlers, *object->event_interface())));
+  sink->Hold(L);
+  lua_pushinteger(L, object->Advise(std::move(sink)));
   return 1;
 }
 
+// A cookie is 32 bits: one beyond that connects nothing, whatever its low bits say.
 int Unadvise(lua_State* L) {
+  const auto object = ArgClassObject(L);
   const lua_Integer cookie = ArgInteger(L, 2);
-  ArgClassObject(L)->Unadvise(static_cast<int32_t>(cookie));
+  if (cookie < INT32_MIN || cookie > INT32_MAX) {
+    qorvel::Raise(qorvel::err::kInvalidCall,
+                  "No sink is connected with cookie " + std::to_string(cookie));
+  }
+  object->Unadvise(int32_t(cookie));
   return 0;
 }
 
@@ -294,7 +348,7 @@ int ClipboardSet(lua_State* L) {
 }
 
 int ClipboardGet(lua_State* L) {
-  lua_pushstring(L, qorvel::Env::Current().clipboard().GetText().c_str());
+  PushString(L, qorvel::Env::Current().clipboard().GetText());
   return 1;
 }
 
@@ -309,7 +363,7 @@ void NewMeta(lua_State* L, const char* meta, const luaL_Reg* methods) {
 void OpenForms(lua_State* L) {
   const luaL_Reg form[] = {{"__index", Protected<FormIndex>},
                            {"__newindex", Protected<FormNewIndex>},
-                           {"__gc", Release<Form>},
+                           {"__gc", CollectHeld},
                            {"Add", Protected<FormAdd>},
                            {"Control", Protected<FormControl>},
                            {"Names", Protected<FormNames>},
@@ -318,10 +372,14 @@ void OpenForms(lua_State* L) {
                            {"Changes", Protected<FormChanges>},
                            {nullptr, nullptr}};
   NewMeta(L, kFormMeta, form);
-  const luaL_Reg box[] = {{"__index", Protected<BoxIndex>}, {"__newindex", Protected<BoxNewIndex>},
-                          {"__gc", Release<TextBoxHandle>}, {"Type", Protected<BoxType>},
-                          {"Key", Protected<BoxKey>},       {"Focus", Protected<BoxFocus>},
-                          {"Blur", Protected<BoxBlur>},     {nullptr, nullptr}};
+  const luaL_Reg box[] = {{"__index", Protected<BoxIndex>},
+                          {"__newindex", Protected<BoxNewIndex>},
+                          {"__gc", CollectHeld},
+                          {"Type", Protected<BoxType>},
+                          {"Key", Protected<BoxKey>},
+                          {"Focus", Protected<BoxFocus>},
+                          {"Blur", Protected<BoxBlur>},
+                          {nullptr, nullptr}};
   NewMeta(L, kTextBoxMeta, box);
   lua_register(L, "Form", Protected<NewForm>);
   lua_register(L, "LoadForm", Protected<LoadForm>);

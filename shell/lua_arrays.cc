@@ -1,11 +1,11 @@
 // SafeArray values in Lua: SafeArray(type, {lower, count}, ...) and the methods get, put,
 // lbound, ubound, dims, type and redim.
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "qorvel/platform/safe_array.h"
 #include "shell/lua_errors.h"
+#include "shell/lua_holders.h"
 #include "shell/lua_values.h"
 #include "shell/qvsh.h"
 
@@ -17,8 +17,6 @@ using qorvel::SafeArray;
 using qorvel::VarType;
 
 constexpr const char* kArrayMeta = "qvsh.safearray";
-// What an array userdata holds: its value until its finalizer has run, nothing after.
-using ArraySlot = std::optional<SafeArray>;
 const char* const kTypeNames[] = {"double", "bool", "text", "long", "integer", "variant", nullptr};
 const VarType kTypes[] = {VarType::kDouble, VarType::kBool,    VarType::kText,
                           VarType::kLong,   VarType::kInteger, VarType::kVariant};
@@ -119,8 +117,9 @@ int Redim(lua_State* L) {
 
 // "SafeArray(double, 1 to 3, 0 to 1)", or "SafeArray: released" for a finalizer's print.
 int ToString(lua_State* L) {
-  const auto* slot = static_cast<const ArraySlot*>(luaL_testudata(L, 1, kArrayMeta));
-  if (slot != nullptr && !slot->has_value()) {
+  bool released = false;
+  FindHeld<SafeArray>(L, 1, kArrayMeta, &released);
+  if (released) {
     lua_pushliteral(L, "SafeArray: released");
     return 1;
   }
@@ -135,25 +134,15 @@ int ToString(lua_State* L) {
   return 1;
 }
 
-// As with objects: the slot is emptied, never destroyed, since a later finalizer may still
-// reach it; an empty optional owns nothing.
-int Collect(lua_State* L) {
-  if (auto* slot = static_cast<ArraySlot*>(luaL_testudata(L, 1, kArrayMeta))) slot->reset();
-  return 0;
-}
-
 }  // namespace
 
-void PushArray(lua_State* L, SafeArray array) {
-  new (lua_newuserdatauv(L, sizeof(ArraySlot), 0)) ArraySlot(std::move(array));
-  luaL_setmetatable(L, kArrayMeta);
-}
+void PushArray(lua_State* L, SafeArray array) { PushHeld(L, std::move(array), kArrayMeta); }
 
 SafeArray* TestArray(lua_State* L, int index) {
-  auto* slot = static_cast<ArraySlot*>(luaL_testudata(L, index, kArrayMeta));
-  if (slot == nullptr) return nullptr;
-  if (!slot->has_value()) throw qorvel::Error(qorvel::err::kObjectNotSet);
-  return &**slot;
+  bool released = false;
+  SafeArray* array = FindHeld<SafeArray>(L, index, kArrayMeta, &released);
+  if (released) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  return array;
 }
 
 void OpenArrays(lua_State* L) {
@@ -166,7 +155,7 @@ void OpenArrays(lua_State* L) {
   lua_setfield(L, -2, "__index");
   lua_pushcfunction(L, Protected<ToString>);
   lua_setfield(L, -2, "__tostring");
-  lua_pushcfunction(L, Collect);
+  lua_pushcfunction(L, CollectHeld);
   lua_setfield(L, -2, "__gc");
   lua_pop(L, 1);
   lua_register(L, "SafeArray", Protected<NewArray>);

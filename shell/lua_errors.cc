@@ -8,7 +8,7 @@ namespace {
 constexpr const char* kErrorMeta = "qvsh.error";
 
 int ErrorToString(lua_State* L) {
-  lua_pushstring(L, ErrorText(L, 1).c_str());
+  PushString(L, ErrorText(L, 1));
   return 1;
 }
 
@@ -79,11 +79,11 @@ std::string ErrorText(lua_State* L, int index) {
     lua_getfield(L, index, "number");
     lua_getfield(L, index, "description");
     std::string text = "Error " + std::to_string(lua_tointeger(L, -2)) + ": ";
-    if (const char* description = lua_tostring(L, -1)) text += description;
+    if (lua_isstring(L, -1)) text += StringAt(L, -1);
     lua_pop(L, 2);
     return text;
   }
-  if (const char* message = lua_tostring(L, index)) return message;
+  if (lua_isstring(L, index)) return StringAt(L, index);
   return std::string("(error object is a ") + luaL_typename(L, index) + " value)";
 }
 
@@ -151,6 +151,22 @@ int ArgOption(lua_State* L, int arg, const char* const names[], const char* fall
     if (name == names[i]) return i;
   }
   throw ArgError(arg, "invalid option '" + name + "'");
+}
+
+void PushString(lua_State* L, std::string_view text) {
+  lua_pushlstring(L, text.data(), text.size());
+}
+
+std::string StringAt(lua_State* L, int index) {
+  size_t size = 0;
+  const char* text = lua_tolstring(L, index, &size);
+  return std::string(text, size);
+}
+
+void SetField(lua_State* L, std::string_view key) {
+  PushString(L, key);
+  lua_insert(L, -2);
+  lua_rawset(L, -3);
 }
 
 }  // namespace qvsh

@@ -3,6 +3,7 @@
 
 #include <exception>
 #include <string>
+#include <string_view>
 
 #include <lua.hpp>
 
@@ -47,6 +48,13 @@ std::string ArgString(lua_State* L, int arg);
 void ArgTable(lua_State* L, int arg);
 // The position of the argument in `names` (nullptr-terminated); `fallback` when it is absent.
 int ArgOption(lua_State* L, int arg, const char* const names[], const char* fallback = nullptr);
+
+// Texts go to and come from Lua whole, zero bytes included. StringAt takes the string (or
+// number) at `index`; SetField sets the field `key` of the table below the top to the
+// value on top, and pops it.
+void PushString(lua_State* L, std::string_view text);
+std::string StringAt(lua_State* L, int index);
+void SetField(lua_State* L, std::string_view key);
 
 }  // namespace qvsh
 

@@ -9,6 +9,7 @@
 #include "qorvel/server/registration.h"
 #include "shell/lua_calls.h"
 #include "shell/lua_errors.h"
+#include "shell/lua_holders.h"
 #include "shell/lua_values.h"
 #include "shell/qvsh.h"
 
@@ -49,7 +50,7 @@ Member Resolve(const qorvel::Dispatch& object, const std::string& key) {
 // member of an object that doesn't describe its members. Upvalues: the name and the kind.
 int CallClosure(lua_State* L) {
   const AutomationObject object = ArgObject(L, 1);
-  const std::string name = lua_tostring(L, lua_upvalueindex(1));
+  const std::string name = StringAt(L, lua_upvalueindex(1));
   const auto kind = static_cast<CallKind>(lua_tointeger(L, lua_upvalueindex(2)));
   return CallMember(L, object, name, kind, 2);
 }
@@ -79,8 +80,8 @@ int NewIndex(lua_State* L) {
 
 // Lua asks only about two different userdata, so released ones are never equal.
 int Equals(lua_State* L) {
-  const auto* a = static_cast<const AutomationObject*>(luaL_testudata(L, 1, kObjectMeta));
-  const auto* b = static_cast<const AutomationObject*>(luaL_testudata(L, 2, kObjectMeta));
+  const auto* a = FindHeld<AutomationObject>(L, 1, kObjectMeta);
+  const auto* b = FindHeld<AutomationObject>(L, 2, kObjectMeta);
   lua_pushboolean(L, a != nullptr && b != nullptr && *a != nullptr && *a == *b);
   return 1;
 }
@@ -99,8 +100,9 @@ std::string KindOf(const qorvel::Dispatch* object) {
 // "Zebrin: 0x5581...", "Tarvik.Document: 0x5581...", and for a finalizer's debugging print
 // "object: released" rather than an error.
 int ToString(lua_State* L) {
-  const auto* slot = static_cast<const AutomationObject*>(luaL_testudata(L, 1, kObjectMeta));
-  if (slot != nullptr && *slot == nullptr) {
+  bool released = false;
+  FindHeld<AutomationObject>(L, 1, kObjectMeta, &released);
+  if (released) {
     lua_pushliteral(L, "object: released");
     return 1;
   }
@@ -108,16 +110,6 @@ int ToString(lua_State* L) {
   const std::string kind = KindOf(object.get());
   lua_pushfstring(L, "%s: %p", kind.c_str(), static_cast<void*>(object.get()));
   return 1;
-}
-
-// A finalizer that runs later in the same cycle may still reach this userdata, and may keep it
-// alive, so the slot is left holding an empty reference rather than destroyed: every later use
-// finds it released. An empty shared_ptr owns nothing, so its destructor need never run.
-int Collect(lua_State* L) {
-  if (auto* object = static_cast<AutomationObject*>(luaL_testudata(L, 1, kObjectMeta))) {
-    object->reset();
-  }
-  return 0;
 }
 
 int CreateObject(lua_State* L) {
@@ -133,13 +125,15 @@ int GetObject(lua_State* L) {
 }  // namespace
 
 void PushObject(lua_State* L, AutomationObject object) {
-  new (lua_newuserdatauv(L, sizeof(AutomationObject), 0)) AutomationObject(std::move(object));
-  luaL_setmetatable(L, kObjectMeta);
+  PushHeld(L, std::move(object), kObjectMeta);
 }
 
 const AutomationObject* TestObject(lua_State* L, int index) {
-  const auto* object = static_cast<const AutomationObject*>(luaL_testudata(L, index, kObjectMeta));
-  if (object != nullptr && *object == nullptr) throw qorvel::Error(qorvel::err::kObjectNotSet);
+  bool released = false;
+  const auto* object = FindHeld<AutomationObject>(L, index, kObjectMeta, &released);
+  if (released || (object != nullptr && *object == nullptr)) {
+    throw qorvel::Error(qorvel::err::kObjectNotSet);
+  }
   return object;
 }
 
@@ -148,7 +142,7 @@ void OpenObjects(lua_State* L) {
                            {"__newindex", Protected<NewIndex>},
                            {"__eq", Equals},
                            {"__tostring", Protected<ToString>},
-                           {"__gc", Collect},
+                           {"__gc", CollectHeld},
                            {nullptr, nullptr}};
   luaL_newmetatable(L, kObjectMeta);
   luaL_setfuncs(L, meta, 0);

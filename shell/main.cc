@@ -8,6 +8,7 @@
 #include "hosts/simulators.h"
 #include "qorvel/server/registration.h"
 #include "shell/lua_errors.h"
+#include "shell/lua_holders.h"
 #include "shell/qvsh.h"
 #include "shell/shell_env.h"
 
@@ -26,7 +27,8 @@ void SetUpLibrary() {
 }
 
 lua_State* NewShell() {
-  lua_State* L = luaL_newstate();
+  lua_State* L = qvsh::NewState();
+  if (L == nullptr) return nullptr;
   luaL_openlibs(L);
   qvsh::OpenErrors(L);
   qvsh::OpenValues(L);
@@ -43,7 +45,9 @@ lua_State* NewShell() {
 // errors get a traceback.
 int MessageHandler(lua_State* L) {
   if (lua_type(L, 1) == LUA_TTABLE) return 1;
-  luaL_traceback(L, L, qvsh::ErrorText(L, 1).c_str(), 1);
+  qvsh::PushString(L, qvsh::ErrorText(L, 1) + "\n");  // whole: a message may hold zero bytes
+  luaL_traceback(L, L, nullptr, 1);
+  lua_concat(L, 2);
   return 1;
 }
 
@@ -139,8 +143,13 @@ int main(int argc, char** argv) {
   qorvel::Env* const previous = qorvel::Env::Install(&env);
   SetUpLibrary();
   lua_State* L = NewShell();
-  const int code = argc > 1 ? RunScript(L, argc, argv) : Repl(L);
-  lua_close(L);  // releases the script's objects while the environment is still there
+  int code = 1;
+  if (L == nullptr) {
+    std::cerr << "qvsh: not enough memory for a Lua state" << std::endl;
+  } else {
+    code = argc > 1 ? RunScript(L, argc, argv) : Repl(L);
+    qvsh::CloseState(L);  // releases the script's objects while the environment is still there
+  }
   qorvel::Env::Install(previous);
   return code;
 }

@@ -1,7 +1,6 @@
 // The platform services as scripts see them: the tables Registry and Regional, and the message
 // boxes shown so far.
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
@@ -106,14 +105,14 @@ int SetDecimal(lua_State* L) {
 int Set(lua_State* L) {
   ArgTable(L, 1);
   for (lua_pushnil(L); lua_next(L, 1) != 0; lua_pop(L, 1)) {
-    const char* key = lua_type(L, -2) == LUA_TSTRING ? lua_tostring(L, -2) : "";
-    if (std::strcmp(key, "decimal") != 0 && std::strcmp(key, "thousand") != 0 &&
-        std::strcmp(key, "currency") != 0) {
+    const std::string key = lua_type(L, -2) == LUA_TSTRING ? StringAt(L, -2) : "";
+    if (key != "decimal" && key != "thousand" && key != "currency") {
       throw ArgError(1, "only the fields decimal, thousand and currency expected");
     }
   }
   auto field = [L](const char* name) -> std::optional<std::string> {
-    const int type = lua_getfield(L, 1, name);
+    lua_pushstring(L, name);
+    const int type = lua_rawget(L, 1);  // as lua_next saw it: no __index to raise past C++ frames
     std::optional<std::string> text;
     if (type == LUA_TSTRING) {
       size_t size = 0;

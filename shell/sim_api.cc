@@ -65,7 +65,7 @@ void ForEachNamed(lua_State* L, int arg, int index, const std::string& where, Ea
   lua_pushnil(L);
   while (lua_next(L, index) != 0) {
     if (lua_type(L, -2) != LUA_TSTRING) throw ArgError(arg, where + ": names expected as keys");
-    each(std::string(lua_tostring(L, -2)), lua_gettop(L));
+    each(StringAt(L, -2), lua_gettop(L));
     lua_pop(L, 1);
   }
 }
@@ -86,7 +86,7 @@ HostPreset::Fault FaultAt(lua_State* L, int arg, int index, const std::string& w
   if (!is_integer || number < INT32_MIN || number > INT32_MAX || lua_type(L, -1) != LUA_TSTRING) {
     throw ArgError(arg, expected);
   }
-  HostPreset::Fault fault{int32_t(number), lua_tostring(L, -1)};
+  HostPreset::Fault fault{int32_t(number), StringAt(L, -1)};
   lua_pop(L, 2);
   return fault;
 }
@@ -105,7 +105,7 @@ HostPreset ArgPreset(lua_State* L, int arg) {
     } else if (name == "replies") {
       ForEachNamed(L, arg, value, name, [&](const std::string& command, int output) {
         if (lua_type(L, output) != LUA_TSTRING) throw ArgError(arg, "replies: texts expected");
-        preset.replies[command] = lua_tostring(L, output);
+        preset.replies[command] = StringAt(L, output);
       });
     } else if (name == "failCommands" || name == "failMembers") {
       auto& faults = name == "failCommands" ? preset.failing_commands : preset.failing_members;

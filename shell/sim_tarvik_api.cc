@@ -98,14 +98,14 @@ int Tool(lua_State* L) {
   const std::map<std::string, std::string> tool = ArgTarvik(L, 1)->tool();
   lua_createtable(L, 0, int(tool.size()));
   for (const auto& [name, value] : tool) {
-    lua_pushlstring(L, value.data(), value.size());
-    lua_setfield(L, -2, name.c_str());
+    PushString(L, value);
+    SetField(L, name);
   }
   return 1;
 }
 
 int Units(lua_State* L) {
-  lua_pushstring(L, ArgTarvik(L, 1)->units().c_str());
+  PushString(L, ArgTarvik(L, 1)->units());
   return 1;
 }
 

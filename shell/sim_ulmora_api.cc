@@ -36,7 +36,7 @@ std::vector<std::string> ArgNames(lua_State* L, int arg) {
   for (lua_Integer i = 1; i <= n; ++i) {
     lua_rawgeti(L, arg, i);
     if (lua_type(L, -1) != LUA_TSTRING) throw ArgError(arg, "a list of names expected");
-    names.push_back(lua_tostring(L, -1));
+    names.push_back(StringAt(L, -1));
     lua_pop(L, 1);
   }
   return names;
@@ -109,7 +109,7 @@ int AddEntity(lua_State* L) {
     lua_pushnil(L);
     while (lua_next(L, 4) != 0) {
       if (lua_type(L, -2) != LUA_TSTRING) throw ArgError(4, "property names expected as keys");
-      const std::string name = lua_tostring(L, -2);
+      const std::string name = StringAt(L, -2);
       entity.properties[name] = PropertyAt(L, 4, lua_gettop(L), name);
       lua_pop(L, 1);
     }
@@ -123,14 +123,14 @@ int Entity(lua_State* L) {
   std::optional<SimUlmora::Entity> entity = ArgUlmora(L, 1)->entity(ArgString(L, 2));
   if (!entity) return 0;
   lua_createtable(L, 0, 3);
-  lua_pushstring(L, entity->name.c_str());
+  PushString(L, entity->name);
   lua_setfield(L, -2, "name");
-  lua_pushstring(L, entity->type.c_str());
+  PushString(L, entity->type);
   lua_setfield(L, -2, "type");
   lua_createtable(L, 0, int(entity->properties.size()));
   for (const auto& [name, value] : entity->properties) {
     PushProperty(L, value);
-    lua_setfield(L, -2, name.c_str());
+    SetField(L, name);
   }
   lua_setfield(L, -2, "properties");
   return 1;
