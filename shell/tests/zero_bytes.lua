@@ -7,8 +7,10 @@ Clipboard.SetText("a\0b")
 check(Clipboard.GetText(), "a\0b", "clipboard")
 
 local form = Form()
-local box = Text1(form:Add("ValueBox", "A\0B"))
-check(form:Names()[1], "A\0B", "a control's name")
+local box = Text1(form:Add("ValueBox", "A"))
+local ok, err = pcall(form.Add, form, "ValueBox", "B\0C")
+check(not ok and err.number, 5, "a name with a zero byte is no name")
+check(#form:Names(), 1, "nothing added")
 box.Text = "1\0002"
 box.SelStart = 0
 box.SelLength = 3
@@ -29,7 +31,7 @@ Sim.RunZebrin()
 Sim.NextHosts("Zebrin.Document")
 zebrin:Connect()
 check(zebrin:ExecuteEx("ECHO\0a"), "x\0y", "a scripted reply")
-local ok, err = pcall(function() Sim.LastStarted("Zebrin.Document"):Execute("BAD", 0) end)
+ok, err = pcall(function() Sim.LastStarted("Zebrin.Document"):Execute("BAD", 0) end)
 check(not ok and err.description, "no\0", "a scripted failure")
 check(pcall(Regional.Set, {["decimal\0"] = ","}), false, "a field under a longer name")
 print("zero bytes: ok")
