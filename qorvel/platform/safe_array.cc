@@ -257,6 +257,17 @@ void SafeArray::PutDouble(int32_t subscript, double value) {
   Store(Offset({&subscript, 1}), value);
 }
 
+std::span<const double> SafeArray::Doubles() const {
+  if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
+  return std::get<std::vector<double>>(storage().items);
+}
+
+std::span<double> SafeArray::MutableDoubles() {
+  if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
+  Unshare();
+  return std::get<std::vector<double>>(data_->items);
+}
+
 // Copy on write: the first write through a shared array gives it storage of its own.
 void SafeArray::Unshare() {
   if (data_ && data_.use_count() == 1) return;

@@ -56,6 +56,11 @@ class SafeArray {
   // Typed fast paths for one-dimensional Double arrays; error 13 on another element type.
   double GetDouble(int32_t subscript) const;
   void PutDouble(int32_t subscript, double value);
+  // All the elements of an array of Double in memory order, first subscript fastest, for work
+  // on whole arrays (a surface, a list of points); 13 on another element type. The writable
+  // form gives the array storage of its own first.
+  std::span<const double> Doubles() const;
+  std::span<double> MutableDoubles();
 
   // Resize: without preserve the contents are reset; with preserve only the last dimension may
   // change its count (error 9 otherwise) and the kept elements stay. Error 10 on a fixed or

@@ -6,6 +6,8 @@
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/text.h"
 #include "qorvel/session/zebrin_face.h"
+#include "qorvel/surface/ulmora_nearest_points_face.h"
+#include "qorvel/surface/ulmora_surface_info_face.h"
 #include "qorvel/widgets/point_class_face.h"
 #include "qorvel/widgets/value_box_face.h"
 
@@ -24,11 +26,13 @@ constexpr LibraryClass ControlClass(const char* name) {
   return {name, &NewControl<C>, &SiteControl<C>, SavedPropertiesOf<C>()};
 }
 
-// The classes built so far; the type library publishes all seven.
+// The seven classes the type library publishes.
 constexpr LibraryClass kClasses[] = {
     ControlClass<Zebrin>("Zebrin"),
     ControlClass<Tarvik3>("Tarvik3"),
     ControlClass<Ulmora27>("Ulmora27"),
+    ControlClass<UlmoraSurfaceInfo>("UlmoraSurfaceInfo"),
+    ControlClass<UlmoraNearestPoints>("UlmoraNearestPoints"),
     ControlClass<ValueBox>("ValueBox"),
     {"PointClass", &NewInstance<PointClass>, nullptr, {}},
 };

@@ -13,7 +13,7 @@ local box = form:Add("QorvelOLE.ValueBox", "Amount")
 check(form:Control("amount"), box, "found by name in any case")
 fails(5, function() form:Add("ValueBox", "AMOUNT") end)
 fails(5, function() form:Add("PointClass", "P") end)
-fails(429, function() form:Add("UlmoraSurfaceInfo", "S") end)
+fails(429, function() form:Add("Gadget", "G") end)
 
 -- Typing goes through the key filter; every change of the number is an event.
 local heard = {}
