@@ -1,7 +1,11 @@
 // Forms, text boxes, event handlers and the clipboard as scripts use them: a form holds named
-// controls in run mode or design mode and is saved to a file; Text1 of a control is typed into
-// key by key; a table of Lua functions hears a control's events.
+// controls in run mode or design mode and is saved to a file; a control is resized as its
+// container would; Text1 of a control is typed into key by key; a table of Lua functions hears
+// a control's events.
+#include <cmath>
+#include <cstdio>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -135,6 +139,46 @@ int Text1(lua_State* L) {
   PushHeld(L, std::make_shared<TextBoxHandle>(TextBoxHandle{std::move(control), box}),
            kTextBoxMeta);
   return 1;
+}
+
+// Sizes: the extent a container gives a control, in twips, and what the control keeps of it.
+
+qorvel::ControlShell& ArgShell(const AutomationObject& control) {
+  auto* shell = dynamic_cast<qorvel::ControlShell*>(control.get());
+  if (shell == nullptr) throw ArgError(1, "a control expected");
+  return *shell;
+}
+
+// A side the control's float can hold, from 0 up: anything else would reach its Resize as a
+// size no container gives.
+float ArgSide(lua_State* L, int arg, const char* name) {
+  const double side = ArgNumber(L, arg);
+  if (side >= 0 && side <= std::numeric_limits<float>::max()) return float(side);
+  char text[32] = "nan";  // whatever its sign bit
+  if (!std::isnan(side)) std::snprintf(text, sizeof text, "%.14g", side);
+  qorvel::Raise(qorvel::err::kInvalidCall, std::string("Invalid ") + name + " " + text +
+                                               ": a size is a finite number of twips from 0 up");
+}
+
+int PushSize(lua_State* L, const qorvel::ControlShell& shell) {
+  lua_pushnumber(L, shell.user_control.Width);
+  lua_pushnumber(L, shell.user_control.Height);
+  return 2;
+}
+
+// Both sides are checked before the control hears of either.
+int Resize(lua_State* L) {
+  const AutomationObject control = ArgControl(L, 1);
+  qorvel::ControlShell& shell = ArgShell(control);
+  const float width = ArgSide(L, 2, "width");
+  const float height = ArgSide(L, 3, "height");
+  qorvel::Container::SetExtent(shell, width, height);
+  return PushSize(L, shell);
+}
+
+int Size(lua_State* L) {
+  const AutomationObject control = ArgControl(L, 1);
+  return PushSize(L, ArgShell(control));
 }
 
 qorvel::TextBox& ArgBox(lua_State* L) {
@@ -384,6 +428,8 @@ void OpenForms(lua_State* L) {
   lua_register(L, "Form", Protected<NewForm>);
   lua_register(L, "LoadForm", Protected<LoadForm>);
   lua_register(L, "Text1", Protected<Text1>);
+  lua_register(L, "Resize", Protected<Resize>);
+  lua_register(L, "Size", Protected<Size>);
   lua_register(L, "Advise", Protected<Advise>);
   lua_register(L, "Unadvise", Protected<Unadvise>);
   const luaL_Reg clipboard[] = {{"SetText", Protected<ClipboardSet>},

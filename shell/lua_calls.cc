@@ -1,11 +1,13 @@
 #include "shell/lua_calls.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/error.h"
+#include "shell/lua_errors.h"
 #include "shell/lua_values.h"
 
 namespace qvsh {
@@ -52,6 +54,44 @@ size_t ArgumentCount(const MemberInfo* member, size_t passed) {
   return count;
 }
 
+bool HasByRef(const MemberInfo* member) {
+  return member != nullptr && std::any_of(member->params.begin(), member->params.end(),
+                                          [](const qorvel::ParamInfo& p) { return p.by_ref; });
+}
+
+// Pushes the final value of each by-reference variable, in declaration order.
+int PushByRef(lua_State* L, const MemberInfo* member, const std::vector<Variant>& variables) {
+  int pushed = 0;
+  for (size_t i = 0; i < variables.size(); ++i) {
+    if (!ByRef(member, i)) continue;
+    PushVariant(L, variables[i]);
+    ++pushed;
+  }
+  return pushed;
+}
+
+// The member wrote its by-reference arguments back before it raised, so the error carries
+// them in a table, as a successful call would have returned them after its result. Should
+// that table fail, the member's own error still gets through.
+[[noreturn]] void RaiseWithResults(lua_State* L, const MemberInfo* member,
+                                   const std::vector<Variant>& variables,
+                                   const qorvel::Error& error) {
+  const int top = lua_gettop(L);
+  // Room for the table, its values, and the error value that takes it in.
+  if (!HasByRef(member) || !lua_checkstack(L, int(variables.size()) + 4)) throw error;
+  try {
+    lua_createtable(L, int(variables.size()), 1);
+    const int pushed = PushByRef(L, member, variables);
+    for (int i = pushed; i >= 1; --i) lua_rawseti(L, top + 1, i);
+    lua_pushinteger(L, pushed);
+    lua_setfield(L, -2, "n");
+  } catch (...) {
+    lua_settop(L, top);
+    throw error;
+  }
+  throw ErrorWithResults(error, top + 1);
+}
+
 }  // namespace
 
 int CallMember(lua_State* L, const qorvel::AutomationObject& object, const std::string& member,
@@ -68,17 +108,18 @@ int CallMember(lua_State* L, const qorvel::AutomationObject& object, const std::
     args[i] = ByRef(typed, i) ? Variant::Ref(variables[i]) : variables[i];
   }
 
-  const Variant result = object->Invoke(member, kind, args);
+  Variant result;
+  std::optional<qorvel::Error> failure;
+  try {
+    result = object->Invoke(member, kind, args);
+  } catch (const qorvel::Error& e) {
+    failure = e;
+  }
+  if (failure) RaiseWithResults(L, typed, variables, *failure);
 
   if (!lua_checkstack(L, int(variables.size()) + 1)) throw qorvel::Error(qorvel::err::kOverflow);
   PushVariant(L, result);
-  int pushed = 1;
-  for (size_t i = 0; i < variables.size(); ++i) {
-    if (!ByRef(typed, i)) continue;
-    PushVariant(L, variables[i]);
-    ++pushed;
-  }
-  return pushed;
+  return 1 + PushByRef(L, typed, variables);
 }
 
 }  // namespace qvsh

@@ -30,6 +30,7 @@ struct Failure {
   int32_t number = 0;
   std::string text;
   int arg = 0;
+  int results = 0;  // the stack index of the call's by-reference results, if any
 };
 
 // The exception being handled, as a failure. Taking a copy of its text may itself run out of
@@ -38,6 +39,8 @@ Failure CurrentFailure() noexcept {
   try {
     try {
       throw;
+    } catch (const ErrorWithResults& e) {
+      return {e.number(), e.description(), 0, e.results()};
     } catch (const qorvel::Error& e) {
       return {e.number(), e.description()};
     } catch (const ArgError& e) {
@@ -59,7 +62,7 @@ void PushFailure(lua_State* L, const Failure& f) {
     lua_pushlstring(L, f.text.data(), f.text.size());
     return;
   }
-  lua_createtable(L, 0, 2);
+  lua_createtable(L, 0, 3);
   lua_pushinteger(L, f.number);
   lua_setfield(L, -2, "number");
   if (f.number == qorvel::err::kOutOfMemory && f.text.empty()) {
@@ -68,6 +71,10 @@ void PushFailure(lua_State* L, const Failure& f) {
     lua_pushlstring(L, f.text.data(), f.text.size());
   }
   lua_setfield(L, -2, "description");
+  if (f.results != 0) {
+    lua_pushvalue(L, f.results);
+    lua_setfield(L, -2, "results");
+  }
   luaL_setmetatable(L, kErrorMeta);
 }
 

@@ -12,10 +12,23 @@
 namespace qvsh {
 
 // A raised automation error reaches a script as a table with `number` and `description`, whose
-// tostring is "Error <number>: <description>". ErrorText gives that form for such a value, and
+// tostring is "Error <number>: <description>", and, for a failed call of a member with
+// by-reference parameters, `results`. ErrorText gives that form for such a value, and
 // Lua's message for any other error value.
 std::string ErrorText(lua_State* L, int index);
 void OpenErrors(lua_State* L);
+
+// An automation error raised by a call that wrote back by-reference arguments: its value gets
+// the field `results`, the table at stack index `results`.
+class ErrorWithResults : public qorvel::Error {
+ public:
+  ErrorWithResults(const qorvel::Error& error, int results)
+      : qorvel::Error(error), results_(results) {}
+  int results() const { return results_; }
+
+ private:
+  int results_;
+};
 
 // A bad argument to a shell function, reported as Lua reports one.
 class ArgError : public std::exception {

@@ -11,7 +11,8 @@ void OpenArrays(lua_State* L);      // SafeArray
 void OpenObjects(lua_State* L);     // CreateObject, GetObject and the object metatable
 void OpenLibrary(lua_State* L);     // RegisterServer, UnregisterServer, CanUnloadNow, enumerations
 void OpenPlatform(lua_State* L);    // Registry, Regional, MessageBoxes, ClearMessageBoxes
-void OpenForms(lua_State* L);       // Form, LoadForm, Text1, Advise, Unadvise, Clipboard
+void OpenForms(lua_State* L);       // Form, LoadForm, Resize, Size, Text1, Advise, Unadvise,
+                                    // Clipboard
 void OpenSimulators(lua_State* L);  // Sim
 
 }  // namespace qvsh
