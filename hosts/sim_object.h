@@ -84,6 +84,10 @@ Variant Handle(SimObject& object, std::span<Variant> args) {
 // host's vanishing (VanishAt) counts the calls to its objects as well, so a host can vanish
 // between two calls to its document. The host holds its objects; an object holds its host
 // weakly, so neither keeps the other alive.
+//
+// A class of objects of a host derives from SimObject, passes its host (and the name the log
+// gives it) to the constructor, and returns its table from members(). Its handlers run under
+// its host's lock, and the setters tests call take `mu_`, which is that lock.
 class SimObject : public Dispatch, public std::enable_shared_from_this<SimObject> {
  public:
   // The log comes first, so a test sees every call, also the ones a fault turns away.
@@ -93,7 +97,8 @@ class SimObject : public Dispatch, public std::enable_shared_from_this<SimObject
   // The automation class name, as tostring shows it.
   const std::string& class_name() const { return class_name_; }
 
-  // The calls its host's family received, oldest first; an object's calls name it.
+  // The log its host keeps, oldest first: the host's own calls and those to its objects, which
+  // name the object.
   std::vector<Call> log() const;
   void ClearLog();
 
