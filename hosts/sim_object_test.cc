@@ -69,47 +69,35 @@ TEST_F(SimObjectTest, ShapesAndCallsComeFromOneTable) {
   const std::tuple<const Dispatch*, const char*, MemberShape> shapes[] = {
       {part_.get(), "size", MemberShape::kProperty},
       {part_.get(), "GROW", MemberShape::kMethod},
-      {part_.get(), "version", MemberShape::kMissing},
-      {host_.get(), "Version", MemberShape::kProperty},
       {host_.get(), "ExecuteEx", MemberShape::kMethod},
-      {ulmora.get(), "ExecuteEx", MemberShape::kMissing},
       {ulmora.get(), "exec", MemberShape::kMethod},
-      {ulmora.get(), "Busy", MemberShape::kProperty},
-  };
-  for (const auto& [object, member, shape] : shapes)
-    EXPECT_EQ(object->Shape(member), shape) << member;
+      {ulmora.get(), "ExecuteEx", MemberShape::kMissing}};
+  for (const auto& [object, member, shape] : shapes) EXPECT_EQ(object->Shape(member), shape);
 
   CallMember(part_, "grow");
   SetMember(part_, "SIZE", 10);
   EXPECT_EQ(GetMember(part_, "Size").ToLong(), 10);
   EXPECT_EQ(ErrorOf([&] { SetMember(part_, "Grow", 1); }), err::kNoMember);
   EXPECT_EQ(ErrorOf([&] { SetMember(host_, "Busy", true); }), err::kNoMember);
-  EXPECT_EQ(ErrorOf([&] { GetMember(part_, "version"); }), err::kNoMember);
 }
 
 // The host's log holds its object's calls in the order they came, named; its commands don't.
 TEST_F(SimObjectTest, AnObjectsCallsAreInItsHostsLogNamed) {
   qorvel::Call(host_, "Execute", "ECHO a", 0);
-  GetMember(part_, "Size");
+  part_->FailMember("Size", 70, "Denied");
+  EXPECT_EQ(ErrorOf([&] { GetMember(part_, "Size"); }), 70);
   EXPECT_EQ(ErrorOf([&] { qorvel::Call(part_, "Execute", "ECHO b", 0); }), err::kNoMember);
   EXPECT_EQ(Seen(), (std::vector<std::string>{"Execute", "Part.Size", "Part.Execute"}));
-  EXPECT_EQ(part_->log().size(), 3u);
   EXPECT_EQ(host_->commands(), std::vector<std::string>{"ECHO a"});
-  EXPECT_EQ(part_->class_name(), "Zebrin.Part");
-
-  part_->FailMember("Grow", 70, "Denied");
-  EXPECT_EQ(ErrorOf([&] { CallMember(part_, "Grow"); }), 70);
-  EXPECT_EQ(ErrorOf([&] { GetMember(host_, "Busy"); }), 0);  // the host's own members answer
   part_->ClearLog();
   EXPECT_TRUE(host_->log().empty());
 }
 
 TEST_F(SimObjectTest, AnObjectGoesWithItsHostAndAloneWithoutIt) {
   auto second = std::make_shared<SimPart>(host_);
-  second->GoAway();  // a document closed: the host stays
+  second->VanishAt(1);  // a document closed at its next call: the host stays
   EXPECT_EQ(ErrorOf([&] { GetMember(second, "Size"); }), err::kServerGone);
   EXPECT_EQ(GetMember(part_, "Size").ToLong(), 3);
-  EXPECT_FALSE(host_->gone());
 
   host_->GoAway();
   EXPECT_TRUE(part_->gone());
@@ -132,14 +120,6 @@ TEST_F(SimObjectTest, AHostsVanishingCountsItsObjectsCalls) {
   EXPECT_EQ(ErrorOf([&] { Env::Current().running_objects().BindRunning(kZebrinClass); }),
             err::kCantCreate);
   EXPECT_EQ(Seen(), (std::vector<std::string>{"Part.Size", "version", "Part.Grow"}));
-
-  // An object's own vanishing counts only its calls.
-  auto host = RunZebrin();
-  auto part = std::make_shared<SimPart>(host);
-  part->VanishAt(1);
-  GetMember(host, "version");
-  EXPECT_EQ(ErrorOf([&] { GetMember(part, "Size"); }), err::kServerGone);
-  EXPECT_FALSE(host->gone());
 }
 
 }  // namespace
