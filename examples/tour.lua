@@ -48,7 +48,7 @@ tarvik:Connect(qvStartTarvik)              -- started through its registry entry
 show("connected, version", tarvik.Connected, tarvik.version)
 local machine = Sim.LastStarted("Tarvik.Document")
 
-Sim.LoadModel(machine, -50, -25, 0, 50, 25, 30, 12)
+Sim.Tarvik.LoadModel(machine, -50, -25, 0, 50, 25, 30, 12)
 show("model loaded", tarvik.IsModelLoaded)
 extents("model", function(axis) return tarvik:ModelSize(axis) end)
 
@@ -70,10 +70,10 @@ tarvik.Units = qvINCHES
 show("units", tarvik.Units == qvINCHES and "inches" or "mm")
 tarvik.Units = qvMM
 
-Sim.AddToolpath(machine, "Rough 1", -40, -20, 1, 40, 20, 29)
-Sim.AddToolpath(machine, "Finish 2", -45, -22, 0, 45, 22, 30)
-Sim.AddToolpath(machine, "Rest 3", -10, -10, 5, 10, 10, 25)
-Sim.SetActive(machine, "toolpath", "Finish 2")
+Sim.Tarvik.AddToolpath(machine, "Rough 1", -40, -20, 1, 40, 20, 29)
+Sim.Tarvik.AddToolpath(machine, "Finish 2", -45, -22, 0, 45, 22, 30)
+Sim.Tarvik.AddToolpath(machine, "Rest 3", -10, -10, 5, 10, 10, 25)
+Sim.Tarvik.SetActive(machine, "toolpath", "Finish 2")
 local toolpaths, active
 _, toolpaths, active = tarvik:GetToolpathList(Collection(), 0)
 show("toolpaths", toolpaths.Count, "active: " .. toolpaths:Item(active))

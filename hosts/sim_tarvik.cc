@@ -112,6 +112,11 @@ bool OneOf(const std::string& word, const T& list) {
 
 SimTarvik::SimTarvik() : SimHost(kTarvikClass) { set_version(kDefaultVersion); }
 
+const SimMembers& SimTarvik::members() const {
+  static const SimMembers members(SessionMembers(), {ExecuteExMember()});
+  return members;
+}
+
 // What the host would show in a dialog: information while message dialogs are on, the reason
 // for a rejected command while error dialogs are on.
 std::string SimTarvik::RunCommand(const std::string& command) {

@@ -71,6 +71,7 @@ class SimTarvik : public SimHost {
 
  protected:
   std::string RunCommand(const std::string& command) override;
+  const SimMembers& members() const override;
 
  private:
   struct Entity {

@@ -98,6 +98,12 @@ void Unlist(std::vector<std::string>& list, const std::string& name) {
   std::erase_if(list, [&](const std::string& n) { return EqualsNoCase(n, name); });
 }
 
+// The one text a member takes.
+std::string OneText(std::span<Variant> args) {
+  if (args.size() != 1) Raise(err::kWrongArgs);
+  return args[0].ToText();
+}
+
 // A list index as the library writes it: plain decimal digits. Past `size` reads as `size`.
 std::optional<size_t> Index(std::string_view digits, size_t size) {
   if (digits.empty()) return std::nullopt;
@@ -111,9 +117,7 @@ std::optional<size_t> Index(std::string_view digits, size_t size) {
 
 }  // namespace
 
-SimUlmora::SimUlmora() : SimHost(kUlmoraClass, /*has_execute_ex=*/false) {
-  set_version(kDefaultVersion);
-}
+SimUlmora::SimUlmora() : SimHost(kUlmoraClass) { set_version(kDefaultVersion); }
 
 // --- The model, as tests and scripts set it up.
 
@@ -199,27 +203,27 @@ void SimUlmora::ScriptEvaluate(const std::string& expression, Variant reply) {
   scripted_evaluates_[UpperCase(expression)] = std::move(reply);
 }
 
-void SimUlmora::ClearOwnFaults() { scripted_evaluates_.clear(); }
+void SimUlmora::ClearOwnFaults() {
+  SimHost::ClearOwnFaults();
+  scripted_evaluates_.clear();
+}
 
 // --- The automation members beyond the session family.
 
-Variant SimUlmora::OtherMember(std::string_view member, CallKind kind, std::span<Variant> args) {
-  const std::string name = UpperCase(member);
-  const bool known = name == "EVALUATE" || name == "EXEC" || name == "PRINT";
-  if (!known || kind == CallKind::kPropertyPut) Raise(err::kNoMember);
-  if (args.size() != 1) Raise(err::kWrongArgs);
-  const std::string text = args[0].ToText();
-  if (name == "EVALUATE") return Evaluate(text);
-  if (name == "PRINT") return Print(text);
-  Exec(text);
-  return {};
+// It has no ExecuteEx: the modelling host's commands give no output.
+const SimMembers& SimUlmora::members() const {
+  static const SimMembers members(
+      SessionMembers(), {{"Evaluate", MemberShape::kMethod, Handle<&SimUlmora::EvaluateMember>},
+                         {"exec", MemberShape::kMethod, Handle<&SimUlmora::ExecMember>},
+                         {"Print", MemberShape::kMethod, Handle<&SimUlmora::PrintMember>}});
+  return members;
 }
 
-MemberShape SimUlmora::OtherShape(std::string_view upper_member) const {
-  const bool known =
-      upper_member == "EVALUATE" || upper_member == "EXEC" || upper_member == "PRINT";
-  return known ? MemberShape::kMethod : MemberShape::kMissing;
-}
+Variant SimUlmora::EvaluateMember(std::span<Variant> args) { return Evaluate(OneText(args)); }
+
+void SimUlmora::ExecMember(std::span<Variant> args) { Exec(OneText(args)); }
+
+Variant SimUlmora::PrintMember(std::span<Variant> args) { return Print(OneText(args)); }
 
 // --- Expressions.
 

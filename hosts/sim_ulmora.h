@@ -62,8 +62,7 @@ class SimUlmora : public SimHost {
 
  protected:
   std::string RunCommand(const std::string& command) override;
-  Variant OtherMember(std::string_view member, CallKind kind, std::span<Variant> args) override;
-  MemberShape OtherShape(std::string_view upper_member) const override;
+  const SimMembers& members() const override;
   void ClearOwnFaults() override;
 
  private:
@@ -73,6 +72,11 @@ class SimUlmora : public SimHost {
     bool quoted = false;
   };
   using Words = std::vector<Word>;
+
+  // Evaluate(expression), exec(batch) and Print(id): one text each.
+  Variant EvaluateMember(std::span<Variant> args);
+  void ExecMember(std::span<Variant> args);
+  Variant PrintMember(std::span<Variant> args);
 
   Variant Evaluate(const std::string& expression) const;
   Variant ListExpression(const std::vector<std::string>& list, const std::string& upper) const;

@@ -6,6 +6,11 @@ namespace qorvel::hosts {
 
 SimZebrin::SimZebrin() : SimHost(kZebrinClass) { set_version(kDefaultVersion); }
 
+const SimMembers& SimZebrin::members() const {
+  static const SimMembers members(SessionMembers(), {ExecuteExMember()});
+  return members;
+}
+
 bool SimZebrin::information_window() const {
   std::lock_guard lock(mu_);
   return information_window_;

@@ -19,6 +19,7 @@ class SimZebrin : public SimHost {
 
  protected:
   std::string RunCommand(const std::string& command) override;
+  const SimMembers& members() const override;
 
  private:
   bool information_window_ = false;

@@ -1,5 +1,7 @@
-// SafeArray values in Lua: SafeArray(type, {lower, count}, ...) and the methods get, put,
-// lbound, ubound, dims, type and redim.
+// SafeArray values in Lua: SafeArray(type, {lower, count}, ...), ArrayOf(type, nested tables
+// [, lower]) and the methods get, put, lbound, ubound, dims, type and redim.
+#include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -69,6 +71,131 @@ std::vector<int32_t> ArgSubscripts(lua_State* L, int first, int last) {
 int NewArray(lua_State* L) {
   const VarType type = kTypes[ArgOption(L, 1, kTypeNames)];
   PushArray(L, SafeArray(type, ArgBounds(L, 2)));
+  return 1;
+}
+
+// --- ArrayOf: nested tables as an array of as many dimensions as they are deep.
+
+// As many as the automation runtime's arrays take; a table that holds itself stops here too.
+constexpr int kMostDims = 60;
+constexpr int kNestedArg = 2;  // where ArrayOf takes its tables
+
+// "[2][3]", the place of a nested table by its positions from 1; "the table" for the outermost.
+std::string Place(const std::vector<int32_t>& at, size_t depth) {
+  if (depth == 0) return "the table";
+  std::string place;
+  for (size_t d = 0; d < depth; ++d) place += "[" + std::to_string(at[d]) + "]";
+  return place;
+}
+
+// The length of the table at `index`, whose keys must be 1 to that length and nothing else: a
+// key the array has no place for would be lost.
+int32_t ListLength(lua_State* L, int index, const std::vector<int32_t>& at, size_t depth) {
+  index = lua_absindex(L, index);
+  const lua_Unsigned length = lua_rawlen(L, index);
+  lua_Unsigned keys = 0;
+  bool list = length <= INT32_MAX;
+  lua_pushnil(L);
+  while (list && lua_next(L, index) != 0) {
+    lua_pop(L, 1);
+    const lua_Integer key = lua_isinteger(L, -1) ? lua_tointeger(L, -1) : 0;
+    list = key >= 1 && lua_Unsigned(key) <= length;
+    ++keys;
+  }
+  if (!list) lua_pop(L, 1);  // the key lua_next left
+  if (!list || keys != length) {
+    throw ArgError(kNestedArg,
+                   Place(at, depth) + " is no list: keys from 1 up without gaps expected");
+  }
+  return int32_t(length);
+}
+
+// The shape nested tables promise by their first entries: the count at each depth, and the
+// Lua type of the first element.
+struct NestedShape {
+  std::vector<int32_t> counts;
+  int leaf_type = LUA_TNIL;
+};
+
+NestedShape ShapeOf(lua_State* L) {
+  NestedShape shape;
+  const std::vector<int32_t> at(kMostDims, 1);
+  lua_pushvalue(L, kNestedArg);
+  while (true) {
+    if (shape.counts.size() == kMostDims) {
+      throw ArgError(kNestedArg, "tables nested deeper than " + std::to_string(kMostDims) +
+                                     " levels, or a table that holds itself");
+    }
+    shape.counts.push_back(ListLength(L, -1, at, shape.counts.size()));
+    if (shape.counts.back() == 0) break;
+    lua_rawgeti(L, -1, 1);
+    lua_remove(L, -2);
+    if (lua_type(L, -1) != LUA_TTABLE) {
+      shape.leaf_type = lua_type(L, -1);
+      break;
+    }
+  }
+  lua_pop(L, 1);
+  return shape;
+}
+
+// Puts the value on top of the stack at the element whose positions are `at`. The place goes
+// into a conversion error's description: which of thousands of numbers was the bad one.
+void PutElement(lua_State* L, const std::vector<int32_t>& at, int32_t lower, SafeArray& array) {
+  std::array<int32_t, kMostDims> subscripts;
+  for (size_t d = 0; d < at.size(); ++d) subscripts[d] = int32_t(int64_t{lower} + at[d] - 1);
+  try {
+    array.Put(std::span(subscripts.data(), at.size()), ToVariant(L, -1));
+  } catch (const qorvel::Error& e) {
+    throw qorvel::Error(e.number(), e.description() + " at " + Place(at, at.size()));
+  }
+}
+
+// Puts the elements of the table on top of the stack, at `depth`, into `array` from `lower`;
+// `at` holds the positions of the tables around it, and of the element in hand.
+void Fill(lua_State* L, const NestedShape& shape, size_t depth, std::vector<int32_t>& at,
+          int32_t lower, SafeArray& array) {
+  const size_t dims = shape.counts.size();
+  const std::vector<int32_t> first(dims, 1);
+  if (const int32_t length = ListLength(L, -1, at, depth); length != shape.counts[depth]) {
+    throw ArgError(kNestedArg, "ragged tables: " + Place(at, depth) + " has " +
+                                   std::to_string(length) +
+                                   (length == 1 ? " entry, " : " entries, ") + Place(first, depth) +
+                                   " has " + std::to_string(shape.counts[depth]));
+  }
+  for (int32_t i = 1; i <= shape.counts[depth]; ++i) {
+    at[depth] = i;
+    lua_rawgeti(L, -1, i);
+    const bool table = lua_type(L, -1) == LUA_TTABLE;
+    if (table != (depth + 1 < dims)) {
+      throw ArgError(kNestedArg,
+                     "ragged tables: " + Place(at, depth + 1) + " is a " + luaL_typename(L, -1) +
+                         ", " + Place(first, depth + 1) + " a " +
+                         (depth + 1 < dims ? "table" : lua_typename(L, shape.leaf_type)));
+    }
+    if (table) {
+      Fill(L, shape, depth + 1, at, lower, array);
+    } else {
+      PutElement(L, at, lower, array);
+    }
+    lua_pop(L, 1);
+  }
+}
+
+// ArrayOf(type, nested [, lower]): grid[lat][lon] = {x, y, z} gives a lats by lons by 3 array.
+int ArrayOf(lua_State* L) {
+  const VarType type = kTypes[ArgOption(L, 1, kTypeNames)];
+  ArgTable(L, 2);
+  const int32_t lower = lua_isnoneornil(L, 3) ? 1 : ArgInt32(L, 3);
+  lua_settop(L, 2);
+  if (!lua_checkstack(L, kMostDims + 8)) throw qorvel::Error(qorvel::err::kOutOfMemory);
+  const NestedShape shape = ShapeOf(L);
+  std::vector<Bound> bounds;
+  for (int32_t count : shape.counts) bounds.push_back({lower, count});
+  SafeArray array(type, bounds);
+  std::vector<int32_t> at(shape.counts.size(), 1);
+  Fill(L, shape, 0, at, lower, array);
+  PushArray(L, std::move(array));
   return 1;
 }
 
@@ -159,6 +286,7 @@ void OpenArrays(lua_State* L) {
   lua_setfield(L, -2, "__gc");
   lua_pop(L, 1);
   lua_register(L, "SafeArray", Protected<NewArray>);
+  lua_register(L, "ArrayOf", Protected<ArrayOf>);
 }
 
 }  // namespace qvsh

@@ -1,6 +1,9 @@
-// The simulated hosts as scripts drive them: the global table Sim. A host is the automation
-// object itself (Sim.RunTarvik(), Sim.LastStarted(...), GetObject(...)); its own members stay
-// reachable as host.version or host:Execute(...), so the controls here are plain functions.
+// The simulated hosts as scripts drive them: the global table Sim, with what every host shares
+// at its top and a part for each kind of host (Sim.Tarvik, Sim.Ulmora). A host is the
+// automation object itself (Sim.RunTarvik(), Sim.LastStarted(...), GetObject(...)); its own
+// members stay reachable as host.version or host:Execute(...), so the controls here are plain
+// functions. Those of every simulated object (faults, going away, the log) take an object of a
+// host as well as a host.
 #include <chrono>
 #include <memory>
 #include <string>
@@ -22,17 +25,11 @@ using qorvel::EqualsNoCase;
 using qorvel::Variant;
 using qorvel::hosts::HostPreset;
 using qorvel::hosts::SimHost;
+using qorvel::hosts::SimObject;
 
 // The classes the simulators register under, as presets name them.
 const char* const kSimulatedClasses[] = {qorvel::hosts::kZebrinClass, qorvel::hosts::kTarvikClass,
                                          qorvel::hosts::kUlmoraClass};
-
-std::shared_ptr<SimHost> ArgHost(lua_State* L, int arg) {
-  const qorvel::AutomationObject* object = TestObject(L, arg);
-  auto host = object ? std::dynamic_pointer_cast<SimHost>(*object) : nullptr;
-  if (!host) throw ArgError(arg, "simulated host expected");
-  return host;
-}
 
 std::chrono::milliseconds ArgDelay(lua_State* L, int arg) {
   const lua_Integer ms = OptInteger(L, arg, 0);
@@ -135,13 +132,15 @@ std::string LogText(const Variant& value) {
   }
 }
 
-// "version", "WindowState = 2", "Execute(\"ECHO a\", 0)"
+// "version", "WindowState = 2", "Execute(\"ECHO a\", 0)"; a call to an object of the host
+// named by it: "Document.Name".
 std::string LogLine(const qorvel::hosts::Call& call) {
-  if (call.kind == CallKind::kPropertyGet && call.args.empty()) return call.member;
+  const std::string member = call.object.empty() ? call.member : call.object + "." + call.member;
+  if (call.kind == CallKind::kPropertyGet && call.args.empty()) return member;
   if (call.kind == CallKind::kPropertyPut && call.args.size() == 1) {
-    return call.member + " = " + LogText(call.args[0]);
+    return member + " = " + LogText(call.args[0]);
   }
-  std::string line = call.member + "(";
+  std::string line = member + "(";
   for (size_t i = 0; i < call.args.size(); ++i) line += (i ? ", " : "") + LogText(call.args[i]);
   return line + ")";
 }
@@ -161,6 +160,11 @@ int RunZebrin(lua_State* L) {
 
 int RunTarvik(lua_State* L) {
   PushObject(L, qorvel::hosts::RunTarvik(ArgDelay(L, 1)));
+  return 1;
+}
+
+int RunUlmora(lua_State* L) {
+  PushObject(L, qorvel::hosts::RunUlmora(ArgDelay(L, 1)));
   return 1;
 }
 
@@ -205,69 +209,70 @@ int NextHosts(lua_State* L) {
 }
 
 int SetVersion(lua_State* L) {
-  ArgHost(L, 1)->set_version(ToVariant(L, 2));
+  ArgHost<SimHost>(L, 1)->set_version(ToVariant(L, 2));
   return 0;
 }
 
 int ScriptReply(lua_State* L) {
-  ArgHost(L, 1)->ScriptReply(ArgString(L, 2), ArgString(L, 3));
+  ArgHost<SimHost>(L, 1)->ScriptReply(ArgString(L, 2), ArgString(L, 3));
   return 0;
 }
 
 int FailCommand(lua_State* L) {
-  ArgHost(L, 1)->FailCommand(ArgString(L, 2), ArgNumber32(L, 3), ArgString(L, 4));
+  ArgHost<SimHost>(L, 1)->FailCommand(ArgString(L, 2), ArgNumber32(L, 3), ArgString(L, 4));
   return 0;
 }
 
 int FailMember(lua_State* L) {
-  ArgHost(L, 1)->FailMember(ArgString(L, 2), ArgNumber32(L, 3), ArgString(L, 4));
+  ArgHost<SimObject>(L, 1)->FailMember(ArgString(L, 2), ArgNumber32(L, 3), ArgString(L, 4));
   return 0;
 }
 
 int ClearFaults(lua_State* L) {
-  ArgHost(L, 1)->ClearFaults();
+  ArgHost<SimObject>(L, 1)->ClearFaults();
   return 0;
 }
 
 int GoAway(lua_State* L) {
-  ArgHost(L, 1)->GoAway();
+  ArgHost<SimObject>(L, 1)->GoAway();
   return 0;
 }
 
-// Sim.VanishAt(host, n): answers n - 1 more calls, and goes away at the n-th.
+// Sim.VanishAt(object, n): answers n - 1 more calls, and goes away at the n-th.
 int VanishAt(lua_State* L) {
-  std::shared_ptr<SimHost> host = ArgHost(L, 1);
+  std::shared_ptr<SimObject> object = ArgHost<SimObject>(L, 1);
   const lua_Integer n = ArgInteger(L, 2);
   if (n < 1) throw ArgError(2, "a call count of 1 or more expected");
-  host->VanishAt(n);
+  object->VanishAt(n);
   return 0;
 }
 
 int Gone(lua_State* L) {
-  lua_pushboolean(L, ArgHost(L, 1)->gone());
+  lua_pushboolean(L, ArgHost<SimObject>(L, 1)->gone());
   return 1;
 }
 
 int SetBusy(lua_State* L) {
-  ArgHost(L, 1)->busy = lua_toboolean(L, 2);
+  ArgHost<SimHost>(L, 1)->busy = lua_toboolean(L, 2);
   return 0;
 }
 
 int LingerOnExit(lua_State* L) {
-  ArgHost(L, 1)->linger_on_exit = lua_toboolean(L, 2);
+  ArgHost<SimHost>(L, 1)->linger_on_exit = lua_toboolean(L, 2);
   return 0;
 }
 
 int Log(lua_State* L) {
   std::vector<std::string> lines;
-  for (const qorvel::hosts::Call& call : ArgHost(L, 1)->log()) lines.push_back(LogLine(call));
+  for (const qorvel::hosts::Call& call : ArgHost<SimObject>(L, 1)->log())
+    lines.push_back(LogLine(call));
   PushLines(L, lines);
   return 1;
 }
 
 // Sim.Commands(host [, "Execute" or "ExecuteEx"])
 int Commands(lua_State* L) {
-  std::shared_ptr<SimHost> host = ArgHost(L, 1);
+  std::shared_ptr<SimHost> host = ArgHost<SimHost>(L, 1);
   std::string member;
   if (!lua_isnoneornil(L, 2)) {
     member = ArgString(L, 2);
@@ -280,7 +285,7 @@ int Commands(lua_State* L) {
 }
 
 int ClearLog(lua_State* L) {
-  ArgHost(L, 1)->ClearLog();
+  ArgHost<SimObject>(L, 1)->ClearLog();
   return 0;
 }
 
@@ -289,6 +294,7 @@ int ClearLog(lua_State* L) {
 void OpenSimulators(lua_State* L) {
   const luaL_Reg functions[] = {{"RunZebrin", Protected<RunZebrin>},
                                 {"RunTarvik", Protected<RunTarvik>},
+                                {"RunUlmora", Protected<RunUlmora>},
                                 {"Install", Protected<Install>},
                                 {"SetStartDelay", Protected<SetStartDelay>},
                                 {"LastStarted", Protected<LastStarted>},
@@ -309,8 +315,10 @@ void OpenSimulators(lua_State* L) {
                                 {"ClearLog", Protected<ClearLog>},
                                 {nullptr, nullptr}};
   luaL_newlib(L, functions);
-  AddTarvikFunctions(L);
-  AddUlmoraFunctions(L);
+  PushTarvikFunctions(L);
+  lua_setfield(L, -2, "Tarvik");
+  PushUlmoraFunctions(L);
+  lua_setfield(L, -2, "Ulmora");
   lua_setglobal(L, "Sim");
 }
 

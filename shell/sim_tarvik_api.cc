@@ -17,13 +17,6 @@ using qorvel::hosts::SimTarvik;
 
 const char* const kLimitNames[] = {"xmin", "xmax", "ymin", "ymax", "zmin", "zmax"};
 
-std::shared_ptr<SimTarvik> ArgTarvik(lua_State* L, int arg) {
-  const qorvel::AutomationObject* object = TestObject(L, arg);
-  auto host = object ? std::dynamic_pointer_cast<SimTarvik>(*object) : nullptr;
-  if (!host) throw ArgError(arg, "simulated Tarvik expected");
-  return host;
-}
-
 std::vector<double> ArgNumbers(lua_State* L, int first, int count) {
   std::vector<double> numbers;
   for (int i = 0; i < count; ++i) numbers.push_back(ArgNumber(L, first + i));
@@ -42,43 +35,44 @@ EntityKind ArgKind(lua_State* L, int arg) {
   return static_cast<EntityKind>(ArgOption(L, arg, kinds));
 }
 
-// Sim.LoadModel(tarvik, xmin, ymin, zmin, xmax, ymax, zmax [, components])
+// Sim.Tarvik.LoadModel(tarvik, xmin, ymin, zmin, xmax, ymax, zmax [, components])
 int LoadModel(lua_State* L) {
   const auto components = OptInteger(L, 8, 1);
   if (components < 0 || components > INT32_MAX) throw ArgError(8, "a component count expected");
-  ArgTarvik(L, 1)->LoadModel(ArgBox(L, 2), int32_t(components));
+  ArgHost<SimTarvik>(L, 1)->LoadModel(ArgBox(L, 2), int32_t(components));
   return 0;
 }
 
 int ClearModel(lua_State* L) {
-  ArgTarvik(L, 1)->ClearModel();
+  ArgHost<SimTarvik>(L, 1)->ClearModel();
   return 0;
 }
 
 int AddToolpath(lua_State* L) {
-  ArgTarvik(L, 1)->AddToolpath(ArgString(L, 2), ArgBox(L, 3));
+  ArgHost<SimTarvik>(L, 1)->AddToolpath(ArgString(L, 2), ArgBox(L, 3));
   return 0;
 }
 
 int AddPattern(lua_State* L) {
-  ArgTarvik(L, 1)->AddPattern(ArgString(L, 2), ArgBox(L, 3));
+  ArgHost<SimTarvik>(L, 1)->AddPattern(ArgString(L, 2), ArgBox(L, 3));
   return 0;
 }
 
-// Sim.AddWorkplane(tarvik, name, x, y, z, then the three axis vectors)
+// Sim.Tarvik.AddWorkplane(tarvik, name, x, y, z, then the three axis vectors)
 int AddWorkplane(lua_State* L) {
-  ArgTarvik(L, 1)->AddEntity(EntityKind::kWorkplane, ArgString(L, 2), ArgNumbers(L, 3, 12));
+  ArgHost<SimTarvik>(L, 1)->AddEntity(EntityKind::kWorkplane, ArgString(L, 2),
+                                      ArgNumbers(L, 3, 12));
   return 0;
 }
 
 int SetActive(lua_State* L) {
-  ArgTarvik(L, 1)->SetActive(ArgKind(L, 2), ArgString(L, 3));
+  ArgHost<SimTarvik>(L, 1)->SetActive(ArgKind(L, 2), ArgString(L, 3));
   return 0;
 }
 
 // {defined=, xmin=, ..., zmax=, locked={xmin=, ...}}
 int Block(lua_State* L) {
-  const SimTarvik::Block block = ArgTarvik(L, 1)->block();
+  const SimTarvik::Block block = ArgHost<SimTarvik>(L, 1)->block();
   lua_createtable(L, 0, 8);
   lua_pushboolean(L, block.defined);
   lua_setfield(L, -2, "defined");
@@ -95,7 +89,7 @@ int Block(lua_State* L) {
 
 // The tool settings as sent: {DIAMETER="10.", TOOLTYPE="TIPRADIUSED", ...}
 int Tool(lua_State* L) {
-  const std::map<std::string, std::string> tool = ArgTarvik(L, 1)->tool();
+  const std::map<std::string, std::string> tool = ArgHost<SimTarvik>(L, 1)->tool();
   lua_createtable(L, 0, int(tool.size()));
   for (const auto& [name, value] : tool) {
     PushString(L, value);
@@ -105,13 +99,13 @@ int Tool(lua_State* L) {
 }
 
 int Units(lua_State* L) {
-  PushString(L, ArgTarvik(L, 1)->units());
+  PushString(L, ArgHost<SimTarvik>(L, 1)->units());
   return 1;
 }
 
 }  // namespace
 
-void AddTarvikFunctions(lua_State* L) {
+void PushTarvikFunctions(lua_State* L) {
   const luaL_Reg functions[] = {{"LoadModel", Protected<LoadModel>},
                                 {"ClearModel", Protected<ClearModel>},
                                 {"AddToolpath", Protected<AddToolpath>},
@@ -122,7 +116,7 @@ void AddTarvikFunctions(lua_State* L) {
                                 {"Tool", Protected<Tool>},
                                 {"Units", Protected<Units>},
                                 {nullptr, nullptr}};
-  luaL_setfuncs(L, functions, 0);
+  luaL_newlib(L, functions);
 }
 
 }  // namespace qvsh

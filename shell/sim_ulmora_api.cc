@@ -1,13 +1,12 @@
 // The simulated Ulmora as scripts set it up and read it back: its entities, the selection, the
 // created and updated lists, how it answers counts and chosen expressions, and what the
 // control's commands and batches left behind.
-#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "hosts/simulators.h"
+#include "hosts/sim_ulmora.h"
 #include "qorvel/platform/safe_array.h"
 #include "shell/lua_errors.h"
 #include "shell/lua_values.h"
@@ -20,13 +19,6 @@ using qorvel::SafeArray;
 using qorvel::Variant;
 using qorvel::VarType;
 using qorvel::hosts::SimUlmora;
-
-std::shared_ptr<SimUlmora> ArgUlmora(lua_State* L, int arg) {
-  const qorvel::AutomationObject* object = TestObject(L, arg);
-  auto host = object ? std::dynamic_pointer_cast<SimUlmora>(*object) : nullptr;
-  if (!host) throw ArgError(arg, "simulated Ulmora expected");
-  return host;
-}
 
 // A sequence of texts: {"P1", "L1"}.
 std::vector<std::string> ArgNames(lua_State* L, int arg) {
@@ -93,16 +85,9 @@ void PushNames(lua_State* L, const std::vector<std::string>& names) {
   }
 }
 
-int RunUlmora(lua_State* L) {
-  const lua_Integer ms = OptInteger(L, 1, 0);
-  if (ms < 0) throw ArgError(1, "a delay of 0 ms or more expected");
-  PushObject(L, qorvel::hosts::RunUlmora(std::chrono::milliseconds(ms)));
-  return 1;
-}
-
-// Sim.AddEntity(ulmora, name, type [, {X = 1, POSITION = {1, 2, 3}, KIND = "Kalvane"}])
+// Sim.Ulmora.AddEntity(ulmora, name, type [, {X = 1, POSITION = {1, 2, 3}, KIND = "Kalvane"}])
 int AddEntity(lua_State* L) {
-  std::shared_ptr<SimUlmora> host = ArgUlmora(L, 1);
+  std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
   SimUlmora::Entity entity{ArgString(L, 2), ArgString(L, 3), {}};
   if (!lua_isnoneornil(L, 4)) {
     ArgTable(L, 4);
@@ -120,7 +105,7 @@ int AddEntity(lua_State* L) {
 
 // {name=, type=, properties={X=, POSITION={...}, ...}}, or nil
 int Entity(lua_State* L) {
-  std::optional<SimUlmora::Entity> entity = ArgUlmora(L, 1)->entity(ArgString(L, 2));
+  std::optional<SimUlmora::Entity> entity = ArgHost<SimUlmora>(L, 1)->entity(ArgString(L, 2));
   if (!entity) return 0;
   lua_createtable(L, 0, 3);
   PushString(L, entity->name);
@@ -138,68 +123,67 @@ int Entity(lua_State* L) {
 
 int Entities(lua_State* L) {
   std::vector<std::string> names;
-  for (const SimUlmora::Entity& e : ArgUlmora(L, 1)->entities()) names.push_back(e.name);
+  for (const SimUlmora::Entity& e : ArgHost<SimUlmora>(L, 1)->entities()) names.push_back(e.name);
   PushNames(L, names);
   return 1;
 }
 
 int Select(lua_State* L) {
-  ArgUlmora(L, 1)->Select(ArgNames(L, 2));
+  ArgHost<SimUlmora>(L, 1)->Select(ArgNames(L, 2));
   return 0;
 }
 
 int MarkCreated(lua_State* L) {
-  ArgUlmora(L, 1)->MarkCreated(ArgNames(L, 2));
+  ArgHost<SimUlmora>(L, 1)->MarkCreated(ArgNames(L, 2));
   return 0;
 }
 
 int MarkUpdated(lua_State* L) {
-  ArgUlmora(L, 1)->MarkUpdated(ArgNames(L, 2));
+  ArgHost<SimUlmora>(L, 1)->MarkUpdated(ArgNames(L, 2));
   return 0;
 }
 
 int Selection(lua_State* L) {
-  PushNames(L, ArgUlmora(L, 1)->selection());
+  PushNames(L, ArgHost<SimUlmora>(L, 1)->selection());
   return 1;
 }
 
 int Created(lua_State* L) {
-  PushNames(L, ArgUlmora(L, 1)->created());
+  PushNames(L, ArgHost<SimUlmora>(L, 1)->created());
   return 1;
 }
 
 int Updated(lua_State* L) {
-  PushNames(L, ArgUlmora(L, 1)->updated());
+  PushNames(L, ArgHost<SimUlmora>(L, 1)->updated());
   return 1;
 }
 
 int CountsAsText(lua_State* L) {
-  ArgUlmora(L, 1)->set_counts_as_text(lua_toboolean(L, 2));
+  ArgHost<SimUlmora>(L, 1)->set_counts_as_text(lua_toboolean(L, 2));
   return 0;
 }
 
-// Sim.ScriptEvaluate(ulmora, expression, reply): any value, nil for Empty.
+// Sim.Ulmora.ScriptEvaluate(ulmora, expression, reply): any value, nil for Empty.
 int ScriptEvaluate(lua_State* L) {
-  std::shared_ptr<SimUlmora> host = ArgUlmora(L, 1);
+  std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
   host->ScriptEvaluate(ArgString(L, 2), ToVariant(L, 3));
   return 0;
 }
 
 int Dialogs(lua_State* L) {
-  lua_pushboolean(L, ArgUlmora(L, 1)->dialogs());
+  lua_pushboolean(L, ArgHost<SimUlmora>(L, 1)->dialogs());
   return 1;
 }
 
 int Batches(lua_State* L) {
-  PushNames(L, ArgUlmora(L, 1)->batches());
+  PushNames(L, ArgHost<SimUlmora>(L, 1)->batches());
   return 1;
 }
 
 }  // namespace
 
-void AddUlmoraFunctions(lua_State* L) {
-  const luaL_Reg functions[] = {{"RunUlmora", Protected<RunUlmora>},
-                                {"AddEntity", Protected<AddEntity>},
+void PushUlmoraFunctions(lua_State* L) {
+  const luaL_Reg functions[] = {{"AddEntity", Protected<AddEntity>},
                                 {"Entity", Protected<Entity>},
                                 {"Entities", Protected<Entities>},
                                 {"Select", Protected<Select>},
@@ -213,7 +197,7 @@ void AddUlmoraFunctions(lua_State* L) {
                                 {"Dialogs", Protected<Dialogs>},
                                 {"Batches", Protected<Batches>},
                                 {nullptr, nullptr}};
-  luaL_setfuncs(L, functions, 0);
+  luaL_newlib(L, functions);
 }
 
 }  // namespace qvsh

@@ -18,7 +18,7 @@ for i, want in ipairs(expected) do
   assert(packed[i + 1] == want, ("argument %d: %s"):format(i + 2, tostring(packed[i + 1])))
 end
 assert(math.type(packed[2]) == "float" and math.type(packed[8]) == "integer")
-local tool = Sim.Tool(host)
+local tool = Sim.Tarvik.Tool(host)
 assert(tool.TLEN == "75." and tool.TOOLNUMBER == "12" and tool.DIAMETER == "10.")
 
 -- Values are converted to the parameter's type on the way in and come back converted.
@@ -26,9 +26,9 @@ local _, length = t:DefineTool(qvEndMill, 6, "12.5")
 assert(length == 12.5 and math.type(length) == "float")
 
 -- The list members hand back the client's own collection and the active line.
-Sim.AddToolpath(host, "Rough", 0, 0, 0, 1, 1, 1)
-Sim.AddToolpath(host, "Finish", -1, -2, -3, 4, 5, 6)
-Sim.SetActive(host, "toolpath", "Finish")
+Sim.Tarvik.AddToolpath(host, "Rough", 0, 0, 0, 1, 1, 1)
+Sim.Tarvik.AddToolpath(host, "Finish", -1, -2, -3, 4, 5, 6)
+Sim.Tarvik.SetActive(host, "toolpath", "Finish")
 local list = Collection()
 local result, same, active = t:GetToolpathList(list, 99)
 assert(result == nil and same == list and active == 2)

@@ -1,14 +1,14 @@
 -- A call that raises still hands back what it wrote to its by-reference arguments: the error
 -- carries them in `results`, as a successful call would have returned them after its result.
 local u = Sim.RunUlmora()
-Sim.AddEntity(u, "S1", "Surface")
-Sim.AddEntity(u, "L1", "Line")
-Sim.Select(u, {"S1", "L1"})
+Sim.Ulmora.AddEntity(u, "S1", "Surface")
+Sim.Ulmora.AddEntity(u, "L1", "Line")
+Sim.Ulmora.Select(u, {"S1", "L1"})
 local ulmora = CreateObject("QorvelOLE.Ulmora27")
 ulmora:Connect()
 
 -- The host counts two entities, then answers the second one's type with an array.
-Sim.ScriptEvaluate(u, "SELECTION.TYPE[1]", SafeArray("double", {0, 2}))
+Sim.Ulmora.ScriptEvaluate(u, "SELECTION.TYPE[1]", SafeArray("double", {0, 2}))
 local ok, err = pcall(function() return ulmora:GetSelectedEntities(nil, nil, 0) end)
 assert(not ok and err.number == 13 and tostring(err) == "Error 13: Type mismatch", tostring(err))
 local names, types, count = table.unpack(err.results, 1, err.results.n)

@@ -19,6 +19,44 @@ local texts = SafeArray("text", {-1, 2})
 texts:put(0, 42)                                    -- converted to the element type
 assert(texts:get(0) == "42" and texts:lbound() == -1)
 
+-- Nested tables as an array of as many dimensions as they are deep, the outermost table the
+-- first subscript: a surface grid of 3 laterals by 4 longitudinals by x, y, z.
+local grid = {}
+for lat = 1, 3 do
+  grid[lat] = {}
+  for lon = 1, 4 do grid[lat][lon] = {lat * 10, lon, lat * lon + 0.5} end
+end
+local g = ArrayOf("double", grid)
+assert(tostring(g) == "SafeArray(double, 1 to 3, 1 to 4, 1 to 3)", tostring(g))
+assert(g:get(3, 2, 1) == 30 and g:get(3, 2, 2) == 2 and g:get(2, 4, 3) == 8.5)
+local zero = ArrayOf("long", {{1, 2}, {3, 4}, {5, 6}}, 0)
+assert(tostring(zero) == "SafeArray(long, 0 to 2, 0 to 1)" and zero:get(2, 0) == 5)
+assert(tostring(ArrayOf("text", {})) == "SafeArray(text, 1 to 0)")
+-- Ragged or gapped tables are refused, naming where; elements that don't convert are the
+-- runtime's errors, naming which.
+local holds_itself = {}
+holds_itself[1] = holds_itself
+for _, case in ipairs({
+  {{{1, 2}, {3}}, "ragged tables: %[2%] has 1 entry, %[1%] has 2"},
+  {{{{1}, {2}}, {{3}, {4, 5}}}, "ragged tables: %[2%]%[2%] has 2 entries, %[1%]%[1%] has 1"},
+  {{{1, 2}, 3}, "ragged tables: %[2%] is a number, %[1%] a table"},
+  {{{1, 2}, {3, {4}}}, "ragged tables: %[2%]%[2%] is a table, %[1%]%[1%] a number"},
+  {{{1, 2, x = 3}}, "%[1%] is no list"},
+  {{1, nil, 3}, "the table is no list"},
+  {holds_itself, "deeper than 60 levels"},
+}) do
+  ok, err = pcall(ArrayOf, "double", case[1])
+  assert(not ok and type(err) == "string" and err:find(case[2]), err)
+end
+for _, case in ipairs({{"double", {{1, "x"}}, 13, "Type mismatch at [1][2]"},
+                       {"integer", {{1}, {40000}}, 6, "Overflow at [2][1]"},
+                       {"variant", {print}, 13, "Type mismatch at [1]"}}) do
+  ok, err = pcall(ArrayOf, case[1], case[2])
+  assert(not ok and err.number == case[3] and err.description == case[4], tostring(err))
+end
+ok, err = pcall(ArrayOf, "double", {1, 2}, 2147483647)   -- the upper bound past a Long
+assert(not ok and err.number == 9, tostring(err))
+
 -- Enumeration members are globals.
 assert(qvxmin == 1 and qvzmax == 6 and qvStartNewTarvik == 2 and qvTypeWireframe == 60)
 
