@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
@@ -206,6 +207,74 @@ void SimUlmora::ScriptEvaluate(const std::string& expression, Variant reply) {
 void SimUlmora::ClearOwnFaults() {
   SimHost::ClearOwnFaults();
   scripted_evaluates_.clear();
+  if (document_) document_->ClearFaults();
+}
+
+// --- Surfaces and the document that holds them.
+
+void SimUlmora::AddSurface(const std::string& name, const SurfaceGrid& grid,
+                           const std::string& type) {
+  std::lock_guard lock(mu_);
+  try {
+    surfaces_.Add(name, type, grid);
+  } catch (const std::invalid_argument& e) {
+    Raise(err::kInvalidCall, "Surface " + name + ": " + e.what());
+  }
+}
+
+bool SimUlmora::DeleteSurface(const std::string& name) {
+  std::lock_guard lock(mu_);
+  return surfaces_.Remove(name);
+}
+
+std::vector<std::string> SimUlmora::surface_names() const {
+  std::lock_guard lock(mu_);
+  return surfaces_.names();
+}
+
+std::vector<Vec3> SimUlmora::NearestPoints(const std::string& name,
+                                           const std::vector<Vec3>& points) {
+  std::lock_guard lock(mu_);
+  std::vector<double> flat, nearest(3 * points.size());
+  for (const Vec3& p : points) flat.insert(flat.end(), {p.x, p.y, p.z});
+  surfaces_.Nearest(name, flat, int32_t(points.size()), nearest);
+  std::vector<Vec3> feet;
+  for (size_t k = 0; k < points.size(); ++k) {
+    feet.push_back({nearest[3 * k], nearest[3 * k + 1], nearest[3 * k + 2]});
+  }
+  return feet;
+}
+
+void SimUlmora::WithSurface(const std::string& name,
+                            const std::function<void(const GridView&)>& draw) {
+  std::lock_guard lock(mu_);
+  draw(surfaces_.View(name));
+}
+
+void SimUlmora::CloseModel() {
+  std::lock_guard lock(mu_);
+  model_open_ = false;
+  surfaces_.Clear();
+  if (document_) document_->GoAway();
+  document_ = nullptr;
+}
+
+void SimUlmora::OpenModel() {
+  std::lock_guard lock(mu_);
+  if (!model_open_) surfaces_.Clear();
+  model_open_ = true;
+}
+
+std::shared_ptr<SimDocument> SimUlmora::document() {
+  std::lock_guard lock(mu_);
+  if (!model_open_) return nullptr;
+  if (!document_) document_ = std::make_shared<SimDocument>(shared_from_this(), surfaces_);
+  return document_;
+}
+
+Variant SimUlmora::ActiveDocument(std::span<Variant> args) {
+  if (!args.empty()) Raise(err::kWrongArgs);
+  return AutomationObject(document());
 }
 
 // --- The automation members beyond the session family.
@@ -213,9 +282,11 @@ void SimUlmora::ClearOwnFaults() {
 // It has no ExecuteEx: the modelling host's commands give no output.
 const SimMembers& SimUlmora::members() const {
   static const SimMembers members(
-      SessionMembers(), {{"Evaluate", MemberShape::kMethod, Handle<&SimUlmora::EvaluateMember>},
-                         {"exec", MemberShape::kMethod, Handle<&SimUlmora::ExecMember>},
-                         {"Print", MemberShape::kMethod, Handle<&SimUlmora::PrintMember>}});
+      SessionMembers(),
+      {{"activedocument", MemberShape::kProperty, Handle<&SimUlmora::ActiveDocument>},
+       {"Evaluate", MemberShape::kMethod, Handle<&SimUlmora::EvaluateMember>},
+       {"exec", MemberShape::kMethod, Handle<&SimUlmora::ExecMember>},
+       {"Print", MemberShape::kMethod, Handle<&SimUlmora::PrintMember>}});
   return members;
 }
 
@@ -243,12 +314,23 @@ Variant SimUlmora::Evaluate(const std::string& expression) const {
     if (e == nullptr) RejectCommand("Entity not found: " + name);
     return Property(*e, property);
   }
+  if (upper.starts_with("SURFACE['")) return SurfaceExpression(text, upper);
   const std::vector<std::string>* lists[] = {&selection_, &created_, &updated_};
   for (int i = 0; i < 3; ++i) {
     const std::string head = std::string(kLists[i]) + ".";
     if (upper.starts_with(head)) return ListExpression(*lists[i], upper);
   }
   RejectCommand("Unknown expression: " + expression);
+}
+
+// "SURFACE['name'].property": the name runs to the last "']." so it may hold one itself.
+Variant SimUlmora::SurfaceExpression(const std::string& text, const std::string& upper) const {
+  const size_t close = upper.rfind("'].");
+  if (close == std::string::npos || close < 9) RejectCommand("Unknown expression: " + text);
+  const std::string name = text.substr(9, close - 9);
+  std::optional<Variant> value = surfaces_.Property(name, upper.substr(close + 3));
+  if (!value) RejectCommand("Unknown property of a surface: " + text.substr(close + 3));
+  return *value;
 }
 
 // "<LIST>.NUMBER", "<LIST>.NAME[i]", "<LIST>.TYPE[i]", upper-cased.

@@ -1,13 +1,18 @@
 #ifndef HOSTS_SIM_ULMORA_H_
 #define HOSTS_SIM_ULMORA_H_
 
+#include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "hosts/sim_document.h"
 #include "hosts/sim_host.h"
+#include "hosts/sim_surfaces.h"
+#include "hosts/surface_geometry.h"
 
 namespace qorvel::hosts {
 
@@ -60,6 +65,26 @@ class SimUlmora : public SimHost {
   // instead of running the expression. ClearFaults drops these.
   void ScriptEvaluate(const std::string& expression, Variant reply);
 
+  // The surfaces of the model, real geometry: "SURFACE['name'].EXISTS", ".TYPE", ".NLATS" and
+  // ".NLONS" answer for them, the active document reads and writes them and projects points on
+  // them. Adding a name that is there already (in any case) replaces the surface; a grid that
+  // isn't one is refused with 5. "Kalvane" is the type the surface tools work on.
+  void AddSurface(const std::string& name, const SurfaceGrid& grid,
+                  const std::string& type = "Kalvane");
+  bool DeleteSurface(const std::string& name);
+  std::vector<std::string> surface_names() const;
+  // The nearest point on a surface of each point, as getnearestpoint computes it.
+  std::vector<Vec3> NearestPoints(const std::string& name, const std::vector<Vec3>& points);
+  // Runs `draw` with a view of the surface's arrays as the host holds them.
+  void WithSurface(const std::string& name, const std::function<void(const GridView&)>& draw);
+
+  // A model is open from the start. Closing it drops its surfaces, and its document goes away
+  // (later calls to it raise 462): activedocument gives Nothing until a new model is opened.
+  void CloseModel();
+  void OpenModel();
+  // The active document, made on first use; nullptr while no model is open.
+  std::shared_ptr<SimDocument> document();
+
  protected:
   std::string RunCommand(const std::string& command) override;
   const SimMembers& members() const override;
@@ -73,12 +98,14 @@ class SimUlmora : public SimHost {
   };
   using Words = std::vector<Word>;
 
+  Variant ActiveDocument(std::span<Variant> args);
   // Evaluate(expression), exec(batch) and Print(id): one text each.
   Variant EvaluateMember(std::span<Variant> args);
   void ExecMember(std::span<Variant> args);
   Variant PrintMember(std::span<Variant> args);
 
   Variant Evaluate(const std::string& expression) const;
+  Variant SurfaceExpression(const std::string& text, const std::string& upper) const;
   Variant ListExpression(const std::vector<std::string>& list, const std::string& upper) const;
   Variant Property(const Entity& entity, const std::string& upper_property) const;
   Variant Print(const std::string& id) const;
@@ -108,6 +135,9 @@ class SimUlmora : public SimHost {
   std::vector<std::string> batches_;
   std::map<std::string, Variant> scripted_evaluates_;  // upper-cased expression
   bool fresh_lists_ = true;  // no change to the model yet in the command or batch under way
+  SimSurfaces surfaces_;
+  bool model_open_ = true;
+  std::shared_ptr<SimDocument> document_;  // the open model's, once asked for
 };
 
 }  // namespace qorvel::hosts

@@ -90,7 +90,7 @@ std::string KindOf(const qorvel::Dispatch* object) {
   if (const auto* typed = dynamic_cast<const qorvel::ClassObject*>(object)) {
     return typed->class_info().name;
   }
-  if (const auto* host = dynamic_cast<const qorvel::hosts::SimHost*>(object)) {
+  if (const auto* host = dynamic_cast<const qorvel::hosts::SimObject*>(object)) {
     return host->class_name();
   }
   if (dynamic_cast<const qorvel::Collection*>(object) != nullptr) return "Collection";
