@@ -1,6 +1,9 @@
--- A tour of QorvelOLE: a Zebrin session, a machining session with Tarvik3 and a modelling
--- session with Ulmora27, all against the simulated hosts, then a ValueBox typed into on a form
--- and a PointClass. Run it with: qvsh examples/tour.lua
+-- A tour of QorvelOLE: a Zebrin session, a machining session with Tarvik3, a modelling
+-- session with Ulmora27 and a surface edit with the surface tools, all against the simulated
+-- hosts, then a ValueBox typed into on a form and a PointClass. Run it with:
+--   qvsh examples/tour.lua [folder]
+-- The surface edit leaves two pictures in the folder (the system's temporary one by default).
+local pictures = arg and arg[1] or os.getenv("TMPDIR") or "/tmp"
 
 -- One line of the session: a label, then the values.
 local function show(label, ...)
@@ -135,6 +138,55 @@ show("an Ulmora 2600: connected", ulmora.Connected)
 Sim.SetVersion(modeller, 2700)
 ulmora:Disconnect()
 show("message boxes shown", #MessageBoxes())
+
+print()
+print("== UlmoraSurfaceInfo and UlmoraNearestPoints, a surface edit")
+-- Half a drum of radius 20 around the z axis, 40 high: 7 laterals around, 5 longitudinals up.
+Sim.Ulmora.AddCylinder(modeller, "Drum", {radius = 20, angle = 180, length = 40, nlats = 7,
+                                          nlons = 5})
+local surface = CreateObject("QorvelOLE.UlmoraSurfaceInfo")
+surface:Reset()                            -- binds the running Ulmora; nothing else does
+show("active", surface.Active)
+show("read Drum", surface:GetSurface("Drum"), surface.NumLats .. " by " .. surface.NumLongs)
+local _, _, _, x, y, z = surface:GetPoint(4, 3, 0, 0, 0)
+show("point (4, 3)", ("%.3f  %.3f  %.3f"):format(x, y, z))
+
+-- Points around the middle of the drum, projected by the host in one call.
+local probes = {{0, 30, 20}, {6, 26, 26}, {-8, 24, 14}, {0, 12, 20}}
+local nearest = CreateObject("QorvelOLE.UlmoraNearestPoints")
+local function project()
+  local xs, ys, zs = SafeArray("double", {1, #probes}), SafeArray("double", {1, #probes}),
+    SafeArray("double", {1, #probes})
+  for i, p in ipairs(probes) do xs:put(i, p[1]); ys:put(i, p[2]); zs:put(i, p[3]) end
+  local _, _, _, _, _, ox, oy, oz = nearest:GetNearestPoints("Drum", xs, ys, zs, nil, nil, nil)
+  local feet = {}
+  for i = 1, #probes do feet[i] = {ox:get(i), oy:get(i), oz:get(i)} end
+  return feet
+end
+local before = project()
+local function picture(name, title)
+  local path = pictures .. "/" .. name
+  Sim.Ulmora.Picture(modeller, "Drum", path, {title = title, points = probes,
+                                              highlights = {{4, 3}}, azimuth = 70,
+                                              elevation = 20})
+  return path
+end
+show("picture before the edit", picture("tour_drum_before.svg", "Drum as read"))
+
+-- Pull the point at (4, 3) out by half the radius and steepen its tangent up the drum; the
+-- store changes in memory, and the host sees it at UpdateSurface.
+surface:SetPoint(4, 3, x * 1.5, y * 1.5, z)
+local _, _, _, i, j, k, m = surface:GetTVECAfter(4, 3, 0, 0, 0, 0)
+surface:SetTVECAfter(4, 3, i, j, k, m * 2)
+surface:SetTVECBefore(4, 3, i, j, k, m * 2)
+show("written back", surface:UpdateSurface())
+local after = project()
+for n, p in ipairs(probes) do
+  local a, b = before[n], after[n]
+  show(("probe %d moved by"):format(n),
+    ("%.3f"):format(math.sqrt((a[1] - b[1]) ^ 2 + (a[2] - b[2]) ^ 2 + (a[3] - b[3]) ^ 2)))
+end
+show("picture after the edit", picture("tour_drum_after.svg", "Drum with (4, 3) pulled out"))
 
 print()
 print("== ValueBox, a number-entry box, and PointClass")

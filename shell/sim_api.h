@@ -40,6 +40,8 @@ std::shared_ptr<Sim> ArgHost(lua_State* L, int arg) {
 // Sim.Tarvik and Sim.Ulmora.
 void PushTarvikFunctions(lua_State* L);
 void PushUlmoraFunctions(lua_State* L);
+// Adds the surface functions to the Sim.Ulmora table on the top of the stack.
+void AddSurfaceFunctions(lua_State* L);
 
 }  // namespace qvsh
 

@@ -198,6 +198,7 @@ void PushUlmoraFunctions(lua_State* L) {
                                 {"Batches", Protected<Batches>},
                                 {nullptr, nullptr}};
   luaL_newlib(L, functions);
+  AddSurfaceFunctions(L);
 }
 
 }  // namespace qvsh
