@@ -16,6 +16,8 @@
 #include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error_testing.h"
 #include "qorvel/session/zebrin_face.h"
+#include "qorvel/surface/ulmora_nearest_points_face.h"
+#include "qorvel/surface/ulmora_surface_info_face.h"
 
 namespace qorvel {
 namespace {
@@ -262,6 +264,79 @@ TEST(VanishingHostTest, EveryMemberEndsAsWithAGoneHostWhicheverCallItVanishesAt)
       // The link stays bound to the dead host: a command goes to it and fails without a word.
       EXPECT_EQ(ErrorOf([&] { Call(c, "Execute", "ECHO after"); }), 0);
       EXPECT_EQ(host->commands().back(), "ECHO after");
+    }
+  }
+}
+
+// The surface tools hold no errors back: a host that goes at any of their calls reaches the
+// client as 462, but for Reset, which raises nothing and leaves the control inactive. What
+// each leaves behind is what it had done before that call.
+struct SurfaceMember {
+  const char* name;
+  size_t calls;  // with a healthy host
+  std::function<void(const AutomationObject& info, const AutomationObject& nearest)> call;
+  std::function<std::string(const AutomationObject& info)> seen;  // what shows afterwards
+  std::function<std::string(size_t k)> expected;                  // when it went at call k
+};
+
+TEST(VanishingHostTest, SurfaceToolsEndAsWithAGoneHostWhicheverCallItVanishesAt) {
+  auto held = [](const AutomationObject& info) {
+    return GetMember(info, "SurfaceName").ToText() + " " +
+           std::to_string(GetMember(info, "NumLats").ToLong());
+  };
+  auto read = [](const AutomationObject& info) {
+    std::string surface = "Patch";
+    std::vector<Variant> args{Variant::Ref(surface)};
+    return CallMember(info, "GetSurface", args);
+  };
+  SafeArray outputs[3];
+  auto project = [&](const AutomationObject& nearest) {
+    std::string surface = "Patch";
+    SafeArray in(VarType::kDouble, {{1, 2}});
+    std::vector<Variant> args{Variant::Ref(surface), Variant::Ref(in), Variant::Ref(in),
+                              Variant::Ref(in)};
+    for (SafeArray& out : outputs) args.push_back(Variant::Ref(out));
+    CallMember(nearest, "GetNearestPoints", args);
+  };
+  const SurfaceMember members[] = {
+      {"Reset", 1, [](auto& info, auto&) { Call(info, "Reset"); },
+       [](auto& info) { return GetMember(info, "Active").ToText(); },
+       [](size_t k) { return k == 0 ? "True" : "False"; }},
+      // The counts are the store's from the moment the host gave them.
+      {"GetSurface", 7, [&](auto& info, auto&) { read(info); }, held,
+       [](size_t k) { return k == 0   ? "Patch 4"
+                             : k <= 5 ? " 0"
+                                      : " 4"; }},
+      {"UpdateSurface", 5, [](auto& info, auto&) { Call(info, "UpdateSurface"); }, held,
+       [](size_t) { return "Patch 4"; }},
+      // The outputs were resized and zeroed before the first host call.
+      {"GetNearestPoints", 4, [&](auto&, auto& nearest) { project(nearest); },
+       [&](auto&) {
+         return std::to_string(outputs[0].UBound()) + " " + outputs[2].Get({2}).ToText();
+       },
+       [](size_t k) { return k == 0 ? "2 0" : "2 0"; }},
+  };
+  for (const SurfaceMember& m : members) {
+    SCOPED_TRACE(m.name);
+    const bool reset = std::string(m.name) == "Reset";
+    for (size_t k = 0; k <= m.calls; ++k) {
+      SCOPED_TRACE("the host vanishes at call " + std::to_string(k));
+      ScopedEnv env;
+      auto host = hosts::RunUlmora();
+      host->AddSurface("Patch", hosts::PlaneGrid({0, 0, 0}, {3, 0, 0}, {0, 2, 0}, 4, 3));
+      AutomationObject info = NewControl<UlmoraSurfaceInfo>();
+      AutomationObject nearest = NewControl<UlmoraNearestPoints>();
+      Call(info, "Reset");
+      if (std::string(m.name) == "UpdateSurface") read(info);
+      host->ClearLog();
+      if (k != 0) host->VanishAt(int64_t(k));
+      const int32_t error = ErrorOf([&] { m.call(info, nearest); });
+      if (k == 0) {
+        EXPECT_EQ(host->log().size(), m.calls);
+      }
+      EXPECT_EQ(error, k == 0 || reset ? 0 : err::kServerGone);
+      EXPECT_EQ(m.seen(info), m.expected(k));
+      EXPECT_TRUE(env.env().messages().shown().empty());
     }
   }
 }
