@@ -175,27 +175,6 @@ TEST(SurfaceGeometryTest, WritesToTheGridMoveTheNearestPoints) {
   EXPECT_LT(p.distance, before.distance - 0.01);
 }
 
-TEST(SurfaceGeometryTest, CurvesAndPointsProjectToTheirNearestPoint) {
-  const SurfaceGrid dot = PlaneGrid({1, 2, 3}, {}, {}, 1, 1);
-  const SurfaceIndex point(dot.view());
-  const SurfaceGrid line = PlaneGrid({0, 0, 0}, {}, {0, 4, 0}, 1, 5);
-  const SurfaceGrid column = PlaneGrid({0, 0, 0}, {0, 4, 0}, {}, 5, 1);
-  const SurfaceIndex lines[] = {SurfaceIndex(line.view()), SurfaceIndex(column.view())};
-  EXPECT_EQ(point.Nearest({4, 6, 3}).distance, 5);
-  EXPECT_EQ(point.Nearest({4, 6, 3}).point, (Vec3{1, 2, 3}));
-  struct Case {
-    Vec3 query, foot;
-  };
-  for (const Case& c : {Case{{3, 2.5, 4}, {0, 2.5, 0}}, Case{{0, -1, 1}, {0, 0, 0}},
-                        Case{{1, 9, 0}, {0, 4, 0}}, Case{{0, 1, 0}, {0, 1, 0}}}) {
-    for (const SurfaceIndex& index : lines) {
-      const Projection p = index.Nearest(c.query);
-      EXPECT_LE(Norm(p.point - c.foot), 1e-12) << c.query.x << ", " << c.query.y;
-      EXPECT_NEAR(p.distance, Norm(c.query - c.foot), 1e-12);
-    }
-  }
-}
-
 // Tangents far longer than their cell, or pointing back, fold a patch over itself: the nearest
 // point is still the nearest of a dense sample.
 TEST(SurfaceGeometryTest, FoldedPatchesGiveTheirNearestPoint) {
@@ -244,10 +223,6 @@ TEST(SurfaceGeometryTest, BadInputIsRefusedWithTheReason) {
        },
        "must be 1 to 32767"},
       {[] {
-         PlaneGrid({}, {1, 0, 0}, {0, 1, 0}, 3000, 3000);
-       },
-       "exceed the 4194304"},
-      {[] {
          PlaneGrid({NAN, 0, 0}, {1, 0, 0}, {0, 1, 0}, 2, 2);
        },
        "not a finite number"},
@@ -255,45 +230,17 @@ TEST(SurfaceGeometryTest, BadInputIsRefusedWithTheReason) {
          PlaneGrid({}, {1, 0, 0}, {2, 0, 0}, 2, 2);
        },
        "edges are parallel"},
-      {[] {
-         PlaneGrid({1e6, 0, 0}, {1e-9, 0, 0}, {0, 1, 0}, 3, 2);
-       },
-       "too small for 3"},
       {[=]() mutable {
          cylinder.radius = 0;
          CylinderGrid(cylinder);
        },
        "radius must be above 0"},
       {[=]() mutable {
-         cylinder.angle = 7;
-         CylinderGrid(cylinder);
-       },
-       "angle span must be"},
-      {[=]() mutable {
-         cylinder.reference = {0, 0, -1};
-         CylinderGrid(cylinder);
-       },
-       "along the axis"},
-      {[=]() mutable {
-         cylinder.angle = 1e-15;
-         CylinderGrid(cylinder);
-       },
-       "too small for 9"},
-      {[=]() mutable {
          sphere.lat_to = 2;
          SphereGrid(sphere);
        },
        "latitudes must rise"},
-      {[=]() mutable {
-         sphere.lon_to = 0;
-         SphereGrid(sphere);
-       },
-       "longitude span must be"},
       {[] { GridThroughPoints(2, 2, std::vector<double>(11)); }, "11 numbers given"},
-      {[] {
-         GridThroughPoints(1, 1, std::vector<double>{0, INFINITY, 0});
-       },
-       "not a finite number"},
       {[&] {
          grid.u_after.magnitude.pop_back();
          index_of();
@@ -304,18 +251,8 @@ TEST(SurfaceGeometryTest, BadInputIsRefusedWithTheReason) {
          index_of();
        },
        "T before direction at (2, 3)"},
-      {[&] {
-         grid.u_before.magnitude[0] = 1e200;
-         index_of();
-       },
-       "U before derivative at (1, 1)"},
-      {[&] {
-         grid.points[5] = -INFINITY;
-         index_of();
-       },
-       "the point at (3, 2)"},
-      {[] { LazySurfaceIndex().Nearest({}); }, "got 0 by 0"},
       {[&] { Evaluate(grid.view(), 1, 4.5); }, "outside 1 to 3 and 1 to 4"},
+
   };
   for (const Case& c : cases) {
     grid = PlaneGrid({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, 3, 4);
