@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <tuple>
 
 #include "hosts/simulators.h"
 #include "qorvel/platform/env_testing.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/error_testing.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -33,15 +33,6 @@ class SimPart : public SimObject {
 
   int32_t size_ = 3;
 };
-
-int32_t ErrorOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 class SimObjectTest : public ::testing::Test {
  protected:
