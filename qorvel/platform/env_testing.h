@@ -33,38 +33,38 @@ class CountingRegistry final : public Registry {
  public:
   explicit CountingRegistry(Registry& target) : target_(target) {}
 
-  int32_t RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) override {
+  int32_t RegOpenKeyA(RegKey root, std::string_view sub_key, RegKey* result) override {
     const int32_t status = target_.RegOpenKeyA(root, sub_key, result);
-    if (status == ERROR_SUCCESS) ++opens_;
+    if (status == reg_status::kSuccess) ++opens_;
     return status;
   }
-  int32_t RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t* reserved,
+  int32_t RegQueryValueExA(RegKey key, std::string_view value_name, uint32_t* reserved,
                            uint32_t* type, uint8_t* data, uint32_t* size) override {
     return target_.RegQueryValueExA(key, value_name, reserved, type, data, size);
   }
-  int32_t RegCloseKey(HKEY key) override {
+  int32_t RegCloseKey(RegKey key) override {
     ++close_calls_;
     const int32_t status = target_.RegCloseKey(key);
-    if (status == ERROR_SUCCESS && key < HKEY_CLASSES_ROOT) ++closes_;
+    if (status == reg_status::kSuccess && key < root_key::kClassesRoot) ++closes_;
     return status;
   }
-  void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value) override {
+  void SetValue(RegKey root, std::string_view key, std::string_view name, RegValue value) override {
     target_.SetValue(root, key, name, std::move(value));
   }
-  void CreateKey(HKEY root, std::string_view key) override { target_.CreateKey(root, key); }
-  void DeleteKey(HKEY root, std::string_view key) override { target_.DeleteKey(root, key); }
-  void DeleteValue(HKEY root, std::string_view key, std::string_view name) override {
+  void CreateKey(RegKey root, std::string_view key) override { target_.CreateKey(root, key); }
+  void DeleteKey(RegKey root, std::string_view key) override { target_.DeleteKey(root, key); }
+  void DeleteValue(RegKey root, std::string_view key, std::string_view name) override {
     target_.DeleteValue(root, key, name);
   }
   void Apply(const std::vector<RegOp>& ops) override { target_.Apply(ops); }
-  std::optional<RegValue> GetValue(HKEY root, std::string_view key,
+  std::optional<RegValue> GetValue(RegKey root, std::string_view key,
                                    std::string_view name) const override {
     return target_.GetValue(root, key, name);
   }
-  bool KeyExists(HKEY root, std::string_view key) const override {
+  bool KeyExists(RegKey root, std::string_view key) const override {
     return target_.KeyExists(root, key);
   }
-  std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const override {
+  std::vector<std::string> KeysBelow(RegKey root, std::string_view key) const override {
     return target_.KeysBelow(root, key);
   }
   uint64_t generation() const override { return target_.generation(); }

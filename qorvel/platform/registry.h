@@ -10,29 +10,40 @@
 
 namespace qorvel {
 
-using HKEY = uint32_t;
-inline constexpr HKEY HKEY_CLASSES_ROOT = 0x80000000;
-inline constexpr HKEY HKEY_CURRENT_USER = 0x80000001;
-inline constexpr HKEY HKEY_LOCAL_MACHINE = 0x80000002;
-inline constexpr HKEY HKEY_USERS = 0x80000003;
-inline constexpr HKEY HKEY_CURRENT_CONFIG = 0x80000005;
+// A key handle: a root key, always open, or a key RegOpenKeyA opened. The numbers below (roots,
+// value types, status codes) are the platform's own, so a Win32 registry passes them through.
+using RegKey = uint32_t;
 
-inline constexpr uint32_t REG_NONE = 0;
-inline constexpr uint32_t REG_SZ = 1;
-inline constexpr uint32_t REG_EXPAND_SZ = 2;
-inline constexpr uint32_t REG_BINARY = 3;
-inline constexpr uint32_t REG_DWORD = 4;
-inline constexpr uint32_t REG_MULTI_SZ = 7;
-inline constexpr uint32_t REG_QWORD = 11;
+namespace root_key {
+inline constexpr RegKey kClassesRoot = 0x80000000;
+inline constexpr RegKey kCurrentUser = 0x80000001;
+inline constexpr RegKey kLocalMachine = 0x80000002;
+inline constexpr RegKey kUsers = 0x80000003;
+inline constexpr RegKey kCurrentConfig = 0x80000005;
+}  // namespace root_key
 
-inline constexpr int32_t ERROR_SUCCESS = 0;
-inline constexpr int32_t ERROR_FILE_NOT_FOUND = 2;
-inline constexpr int32_t ERROR_INVALID_HANDLE = 6;
-inline constexpr int32_t ERROR_INVALID_PARAMETER = 87;
-inline constexpr int32_t ERROR_MORE_DATA = 234;
+// The type of a value as stored.
+namespace reg_type {
+inline constexpr uint32_t kNone = 0;
+inline constexpr uint32_t kString = 1;
+inline constexpr uint32_t kExpandString = 2;  // text with %VARIABLES% left for the reader
+inline constexpr uint32_t kBinary = 3;
+inline constexpr uint32_t kDword = 4;        // little-endian
+inline constexpr uint32_t kMultiString = 7;  // texts each ending in a zero, then one more zero
+inline constexpr uint32_t kQword = 11;       // little-endian
+}  // namespace reg_type
+
+// What the read calls return.
+namespace reg_status {
+inline constexpr int32_t kSuccess = 0;
+inline constexpr int32_t kFileNotFound = 2;  // no such key or value
+inline constexpr int32_t kInvalidHandle = 6;
+inline constexpr int32_t kInvalidParameter = 87;
+inline constexpr int32_t kMoreData = 234;  // the buffer is too small for the value
+}  // namespace reg_status
 
 struct RegValue {
-  uint32_t type = REG_NONE;
+  uint32_t type = reg_type::kNone;
   std::vector<uint8_t> data;  // the bytes as stored; text types hold their terminating zero
   bool operator==(const RegValue&) const = default;
 };
@@ -44,7 +55,7 @@ inline constexpr size_t kMaxRegFileBytes = size_t{256} << 20;
 // One change a .reg file asks for.
 struct RegOp {
   enum Kind { kCreateKey, kDeleteKey, kSetValue, kDeleteValue } kind;
-  HKEY root;
+  RegKey root;
   std::string key;
   std::string name;  // empty for the default value
   RegValue value;
@@ -58,33 +69,34 @@ class Registry {
   virtual ~Registry() = default;
 
   // A handle is valid from a successful open to its close; the roots are always open.
-  virtual int32_t RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) = 0;
+  virtual int32_t RegOpenKeyA(RegKey root, std::string_view sub_key, RegKey* result) = 0;
   // `size` is the buffer's size on the way in and the value's size in bytes on the way out;
-  // a value larger than the buffer gives ERROR_MORE_DATA and copies nothing.
-  virtual int32_t RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t* reserved,
+  // a value larger than the buffer gives reg_status::kMoreData and copies nothing.
+  virtual int32_t RegQueryValueExA(RegKey key, std::string_view value_name, uint32_t* reserved,
                                    uint32_t* type, uint8_t* data, uint32_t* size) = 0;
-  virtual int32_t RegCloseKey(HKEY key) = 0;
+  virtual int32_t RegCloseKey(RegKey key) = 0;
 
   // Writes below an unknown root raise error 5.
-  virtual void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value) = 0;
-  virtual void CreateKey(HKEY root, std::string_view key) = 0;
-  virtual void DeleteKey(HKEY root, std::string_view key) = 0;  // with everything below it
-  virtual void DeleteValue(HKEY root, std::string_view key, std::string_view name) = 0;
+  virtual void SetValue(RegKey root, std::string_view key, std::string_view name,
+                        RegValue value) = 0;
+  virtual void CreateKey(RegKey root, std::string_view key) = 0;
+  virtual void DeleteKey(RegKey root, std::string_view key) = 0;  // with everything below it
+  virtual void DeleteValue(RegKey root, std::string_view key, std::string_view name) = 0;
   // Applies the changes of one .reg file together.
   virtual void Apply(const std::vector<RegOp>& ops) = 0;
 
-  virtual std::optional<RegValue> GetValue(HKEY root, std::string_view key,
+  virtual std::optional<RegValue> GetValue(RegKey root, std::string_view key,
                                            std::string_view name) const = 0;
-  virtual bool KeyExists(HKEY root, std::string_view key) const = 0;
+  virtual bool KeyExists(RegKey root, std::string_view key) const = 0;
   // Every key below `key`, as full upper-cased paths ("HKEY_CURRENT_USER\\A\\B").
-  virtual std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const = 0;
+  virtual std::vector<std::string> KeysBelow(RegKey root, std::string_view key) const = 0;
 
   // A stamp that changes with every write and differs between registries, so readers can keep
   // what they read last and look again only when it moved.
   virtual uint64_t generation() const = 0;
 
-  void SetString(HKEY root, std::string_view key, std::string_view name, std::string_view text);
-  void SetDword(HKEY root, std::string_view key, std::string_view name, uint32_t value);
+  void SetString(RegKey root, std::string_view key, std::string_view name, std::string_view text);
+  void SetDword(RegKey root, std::string_view key, std::string_view name, uint32_t value);
 
   // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
   // with its byte-order mark). A missing file raises error 53. Anything else that isn't such a
@@ -96,7 +108,7 @@ class Registry {
 };
 
 // Root keys by their names in .reg files: "HKEY_LOCAL_MACHINE", "HKLM", ...
-std::optional<HKEY> RootKeyByName(std::string_view name);
+std::optional<RegKey> RootKeyByName(std::string_view name);
 
 }  // namespace qorvel
 

@@ -287,7 +287,7 @@ TEST_F(HostControlLifeTest, DestroyedWithoutAHostDoesNothingVisible) {
   zebrin.reset();
   EXPECT_TRUE(env_.env().messages().shown().empty());
   EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kOk);
 }
 
 }  // namespace

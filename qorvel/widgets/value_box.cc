@@ -110,7 +110,7 @@ void ValueBox::SetReadonly(VariantBool New_ReadOnly) {
 // key filter. An empty symbol could match no key, so it counts as missing.
 void ValueBox::Initialize() {
   ReformatText = true;
-  DecimalSymbol = ReadRegistryValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal");
+  DecimalSymbol = ReadRegistryValue(root_key::kCurrentUser, kInternationalKey, "sDecimal");
   if (DecimalSymbol == kNotFound || DecimalSymbol.empty()) DecimalSymbol = ".";
   ApplyReadOnly(ReadOnlyFlag);
 }
