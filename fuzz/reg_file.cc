@@ -110,7 +110,7 @@ struct Snapshot {
   bool operator==(const Snapshot&) const = default;
 };
 
-Snapshot Take(const Registry& registry, const std::set<std::string>& names) {
+Snapshot Take(const MemoryRegistry& registry, const std::set<std::string>& names) {
   Snapshot s;
   for (RegKey root : kRoots) {
     s.keys.push_back(registry.KeyExists(root, "") ? "+" : "-");

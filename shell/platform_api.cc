@@ -7,6 +7,7 @@
 
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
 #include "qorvel/platform/text.h"
 #include "shell/lua_errors.h"
@@ -19,6 +20,16 @@ namespace {
 using qorvel::RegKey;
 
 qorvel::Registry& TheRegistry() { return qorvel::Env::Current().registry(); }
+
+// The in-memory hive behind it, which loads .reg files and knows which keys exist.
+qorvel::MemoryRegistry& TheHive() {
+  qorvel::PortableEnv* portable = qorvel::PortableEnvOf(qorvel::Env::Current());
+  if (portable == nullptr) {
+    qorvel::Raise(qorvel::err::kInvalidCall,
+                  "Registry.Load and Registry.Exists need the portable platform");
+  }
+  return portable->registry();
+}
 
 struct Key {
   RegKey root;
@@ -67,7 +78,7 @@ void PushRegValue(lua_State* L, const qorvel::RegValue& value) {
 }
 
 int Load(lua_State* L) {
-  TheRegistry().LoadRegFile(ArgString(L, 1));
+  TheHive().LoadRegFile(ArgString(L, 1));
   return 0;
 }
 
@@ -83,7 +94,7 @@ int Get(lua_State* L) {
 
 int Exists(lua_State* L) {
   const Key key = ArgKey(L, 1);
-  lua_pushboolean(L, TheRegistry().KeyExists(key.root, key.path));
+  lua_pushboolean(L, TheHive().KeyExists(key.root, key.path));
   return 1;
 }
 

@@ -25,7 +25,7 @@ std::vector<Sent> SentBy(const hosts::SimHost& host) {
 class HostLinkTest : public ::testing::Test {
  protected:
   std::vector<Message> Boxes() { return env_.env().messages().shown(); }
-  CountingRegistry& registry() { return env_.env().counted_registry(); }
+  CountingRegistry& registry() { return env_.env().registry(); }
   ScopedEnv env_;
 };
 

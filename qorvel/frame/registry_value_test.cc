@@ -57,7 +57,7 @@ TEST_F(ReadRegistryValueTest, TextPathCutsByByteCount) {
 
 // Each call closes the key it opened, found or not.
 TEST_F(ReadRegistryValueTest, MissingKeyOrValueIsNotFound) {
-  CountingRegistry& registry = env_.env().counted_registry();
+  CountingRegistry& registry = env_.env().registry();
   env_.env().registry().SetString(root_key::kLocalMachine, kKey, "other", "x");
   const int before = registry.close_calls();
   EXPECT_EQ(Read(), "Not Found");

@@ -126,6 +126,23 @@ int32_t MemoryRegistry::RegQueryValueExA(RegKey key, std::string_view value_name
   return reg_status::kSuccess;
 }
 
+int32_t MemoryRegistry::RegQueryInfoKeyA(RegKey key, uint32_t* sub_keys) {
+  std::lock_guard lock(mu_);
+  const std::string path = PathOf(key, "");
+  if (path.empty()) return reg_status::kInvalidHandle;
+  if (path.find('\\') != std::string::npos && !keys_.contains(path)) {
+    return reg_status::kFileNotFound;  // deleted while open
+  }
+  const std::string prefix = path + "\\";
+  uint32_t count = 0;
+  for (auto it = keys_.lower_bound(prefix); it != keys_.end() && it->first.starts_with(prefix);
+       ++it) {
+    if (it->first.find('\\', prefix.size()) == std::string::npos) ++count;
+  }
+  if (sub_keys) *sub_keys = count;
+  return reg_status::kSuccess;
+}
+
 int32_t MemoryRegistry::RegCloseKey(RegKey key) {
   std::lock_guard lock(mu_);
   if (IsRoot(key)) return reg_status::kSuccess;  // the roots stay open
@@ -206,6 +223,15 @@ void MemoryRegistry::Apply(const std::vector<RegOp>& ops) {
     }
   }
   Touch();
+}
+
+void MemoryRegistry::LoadRegFile(const std::string& path, size_t max_bytes) {
+  LoadRegText(ReadRegFile(path, max_bytes), path);
+}
+
+// The whole file is read before anything is applied, so a malformed one changes nothing.
+void MemoryRegistry::LoadRegText(std::string_view bytes, std::string_view source_name) {
+  Apply(ParseRegText(bytes, source_name));
 }
 
 }  // namespace qorvel

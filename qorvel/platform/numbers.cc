@@ -339,21 +339,16 @@ double ReadNumberPrefix(std::string_view text) {
   return ToDouble(plain).value_or(0);
 }
 
-NumberSymbols CurrentNumberSymbols() {
-  // Asked for once per number, so the symbols are read again only when the registry changed.
-  thread_local uint64_t seen = 0;
-  thread_local NumberSymbols symbols;
-  const Registry& registry = Env::Current().registry();
-  const uint64_t now = registry.generation();
-  if (now != seen) {
-    symbols.decimal =
-        TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sDecimal"), ".");
-    symbols.thousand =
-        TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sThousand"), ",");
-    symbols.currency =
-        TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sCurrency"), "$");
-    seen = now;
-  }
+NumberSymbols CurrentNumberSymbols() { return Env::Current().number_symbols(); }
+
+NumberSymbols ReadNumberSymbols(const Registry& registry) {
+  NumberSymbols symbols;
+  symbols.decimal =
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sDecimal"), ".");
+  symbols.thousand =
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sThousand"), ",");
+  symbols.currency =
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sCurrency"), "$");
   return symbols;
 }
 

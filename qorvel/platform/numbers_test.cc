@@ -164,7 +164,7 @@ TEST(NumbersTest, DecimalSymbolsThatReadBackAreSet) {
       {"&", false}, {"E", false},  {"e", false},     {"$", false}, {"\x01", false}};
   for (const auto& [symbol, accepted] : cases) {
     ScopedEnv scoped;  // each at the same place, with the same number of writes
-    Registry& registry = scoped.env().registry();
+    MemoryRegistry& registry = scoped.env().portable().registry();
     const uint64_t before = registry.generation();
     EXPECT_EQ(ErrorOf([&] { SetDecimalSymbol(registry, symbol); }), accepted ? 0 : 5) << symbol;
     if (accepted) {

@@ -1,7 +1,5 @@
 #include "qorvel/platform/registry.h"
 
-#include "qorvel/platform/error.h"
-#include "qorvel/platform/reg_file.h"
 #include "qorvel/platform/text.h"
 
 namespace qorvel {
@@ -35,15 +33,6 @@ void Registry::SetDword(RegKey root, std::string_view key, std::string_view name
   SetValue(root, key, name,
            RegValue{reg_type::kDword,
                     {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}});
-}
-
-void Registry::LoadRegFile(const std::string& path, size_t max_bytes) {
-  LoadRegText(ReadRegFile(path, max_bytes), path);
-}
-
-// The whole file is read before anything is applied, so a malformed one changes nothing.
-void Registry::LoadRegText(std::string_view bytes, std::string_view source_name) {
-  Apply(ParseRegText(bytes, source_name));
 }
 
 }  // namespace qorvel

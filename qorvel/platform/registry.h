@@ -1,11 +1,11 @@
 #ifndef QORVEL_PLATFORM_REGISTRY_H_
 #define QORVEL_PLATFORM_REGISTRY_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qorvel {
@@ -48,22 +48,10 @@ struct RegValue {
   bool operator==(const RegValue&) const = default;
 };
 
-// The most a .reg file may hold. The editor's own files are far smaller; the cap keeps a device
-// or a pipe that never ends from filling memory.
-inline constexpr size_t kMaxRegFileBytes = size_t{256} << 20;
-
-// One change a .reg file asks for.
-struct RegOp {
-  enum Kind { kCreateKey, kDeleteKey, kSetValue, kDeleteValue } kind;
-  RegKey root;
-  std::string key;
-  std::string name;  // empty for the default value
-  RegValue value;
-};
-
 // The registry: hives of keys with typed values. Key and value names match without regard to
 // case. Reads go through calls shaped like the platform's single-byte registry functions, down
-// to the byte counts; writes are for installers, tests and scripts.
+// to the byte counts; the writes are the ones registration and the regional settings make. All
+// of it is what the Win32 registry functions can do.
 class Registry {
  public:
   virtual ~Registry() = default;
@@ -74,6 +62,8 @@ class Registry {
   // a value larger than the buffer gives reg_status::kMoreData and copies nothing.
   virtual int32_t RegQueryValueExA(RegKey key, std::string_view value_name, uint32_t* reserved,
                                    uint32_t* type, uint8_t* data, uint32_t* size) = 0;
+  // How many keys sit directly below an open key; the platform call's other counts aren't needed.
+  virtual int32_t RegQueryInfoKeyA(RegKey key, uint32_t* sub_keys) = 0;
   virtual int32_t RegCloseKey(RegKey key) = 0;
 
   // Writes below an unknown root raise error 5.
@@ -82,29 +72,47 @@ class Registry {
   virtual void CreateKey(RegKey root, std::string_view key) = 0;
   virtual void DeleteKey(RegKey root, std::string_view key) = 0;  // with everything below it
   virtual void DeleteValue(RegKey root, std::string_view key, std::string_view name) = 0;
-  // Applies the changes of one .reg file together.
-  virtual void Apply(const std::vector<RegOp>& ops) = 0;
 
   virtual std::optional<RegValue> GetValue(RegKey root, std::string_view key,
                                            std::string_view name) const = 0;
-  virtual bool KeyExists(RegKey root, std::string_view key) const = 0;
-  // Every key below `key`, as full upper-cased paths ("HKEY_CURRENT_USER\\A\\B").
-  virtual std::vector<std::string> KeysBelow(RegKey root, std::string_view key) const = 0;
-
-  // A stamp that changes with every write and differs between registries, so readers can keep
-  // what they read last and look again only when it moved.
-  virtual uint64_t generation() const = 0;
 
   void SetString(RegKey root, std::string_view key, std::string_view name, std::string_view text);
   void SetDword(RegKey root, std::string_view key, std::string_view name, uint32_t value);
+};
 
-  // Loads a .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00", UTF-8 or UTF-16LE
-  // with its byte-order mark). A missing file raises error 53. Anything else that isn't such a
-  // file raises error 5 whose description names the source and says what is wrong: the line of
-  // a malformed one, the encoding of text in another, a directory, a file of more than
-  // `max_bytes`, one that can't be read. Nothing of a refused file is applied.
-  void LoadRegFile(const std::string& path, size_t max_bytes = kMaxRegFileBytes);
-  void LoadRegText(std::string_view bytes, std::string_view source_name);
+// Passes every call on to another registry, so an observing wrapper overrides only what it
+// watches.
+class RegistryWrapper : public Registry {
+ public:
+  explicit RegistryWrapper(Registry& target) : target_(target) {}
+  Registry& target() const { return target_; }
+
+  int32_t RegOpenKeyA(RegKey root, std::string_view sub_key, RegKey* result) override {
+    return target_.RegOpenKeyA(root, sub_key, result);
+  }
+  int32_t RegQueryValueExA(RegKey key, std::string_view value_name, uint32_t* reserved,
+                           uint32_t* type, uint8_t* data, uint32_t* size) override {
+    return target_.RegQueryValueExA(key, value_name, reserved, type, data, size);
+  }
+  int32_t RegQueryInfoKeyA(RegKey key, uint32_t* sub_keys) override {
+    return target_.RegQueryInfoKeyA(key, sub_keys);
+  }
+  int32_t RegCloseKey(RegKey key) override { return target_.RegCloseKey(key); }
+  void SetValue(RegKey root, std::string_view key, std::string_view name, RegValue value) override {
+    target_.SetValue(root, key, name, std::move(value));
+  }
+  void CreateKey(RegKey root, std::string_view key) override { target_.CreateKey(root, key); }
+  void DeleteKey(RegKey root, std::string_view key) override { target_.DeleteKey(root, key); }
+  void DeleteValue(RegKey root, std::string_view key, std::string_view name) override {
+    target_.DeleteValue(root, key, name);
+  }
+  std::optional<RegValue> GetValue(RegKey root, std::string_view key,
+                                   std::string_view name) const override {
+    return target_.GetValue(root, key, name);
+  }
+
+ private:
+  Registry& target_;
 };
 
 // Root keys by their names in .reg files: "HKEY_LOCAL_MACHINE", "HKLM", ...

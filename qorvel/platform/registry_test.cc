@@ -110,16 +110,16 @@ TEST_F(RegistryTest, EveryWriteMovesTheGeneration) {
       {"CreateKey", [&] { registry_.CreateKey(root_key::kCurrentUser, "K\\Sub"); }},
       {"DeleteValue", [&] { registry_.DeleteValue(root_key::kCurrentUser, "K", "v"); }},
       {"DeleteKey", [&] { registry_.DeleteKey(root_key::kCurrentUser, "K"); }},
-      {"LoadRegText", [&] { registry_.LoadRegText("REGEDIT4\n[HKCU\\K]\n", "g.reg"); }},
+      {"LoadRegText", [&] { memory_.LoadRegText("REGEDIT4\n[HKCU\\K]\n", "g.reg"); }},
   };
   for (const auto& [name, write] : writes) {
-    const uint64_t before = registry_.generation();
+    const uint64_t before = memory_.generation();
     write();
-    EXPECT_NE(registry_.generation(), before) << name;
+    EXPECT_NE(memory_.generation(), before) << name;
   }
-  const uint64_t now = registry_.generation();
+  const uint64_t now = memory_.generation();
   registry_.GetValue(root_key::kCurrentUser, "K", "v");
-  EXPECT_EQ(registry_.generation(), now) << "reads leave it";
+  EXPECT_EQ(memory_.generation(), now) << "reads leave it";
   EXPECT_NE(MemoryRegistry().generation(), MemoryRegistry().generation()) << "each its own";
   EXPECT_EQ(ErrorOf([&] { registry_.SetString(0x1234, "K", "v", "x"); }), 5) << "unknown root";
   EXPECT_EQ(ErrorOf([&] { registry_.CreateKey(0, "K"); }), 5);
@@ -131,9 +131,21 @@ TEST_F(RegistryTest, KeysBelowAreTheSubtreeAlone) {
   for (const char* key : {"Host", "Host\\Sub", "Host\\Sub\\Deep", "Host2", "Host_X"}) {
     registry_.SetString(root_key::kCurrentUser, key, "v", "1");
   }
-  EXPECT_EQ(registry_.KeysBelow(root_key::kCurrentUser, "host"),
+  EXPECT_EQ(memory_.KeysBelow(root_key::kCurrentUser, "host"),
             (std::vector<std::string>{"HKEY_CURRENT_USER\\HOST\\SUB",
                                       "HKEY_CURRENT_USER\\HOST\\SUB\\DEEP"}));
+  // The platform's count is of the keys directly below.
+  RegKey host = 0;
+  uint32_t sub_keys = 99;
+  ASSERT_EQ(registry_.RegOpenKeyA(root_key::kCurrentUser, "host", &host), reg_status::kSuccess);
+  EXPECT_EQ(registry_.RegQueryInfoKeyA(host, &sub_keys), reg_status::kSuccess);
+  EXPECT_EQ(sub_keys, 1u);
+  EXPECT_EQ(registry_.RegQueryInfoKeyA(root_key::kCurrentUser, &sub_keys), reg_status::kSuccess);
+  EXPECT_EQ(sub_keys, 3u);
+  registry_.DeleteKey(root_key::kCurrentUser, "Host");
+  EXPECT_EQ(registry_.RegQueryInfoKeyA(host, &sub_keys), reg_status::kFileNotFound);
+  EXPECT_EQ(registry_.RegCloseKey(host), reg_status::kSuccess);
+  EXPECT_EQ(registry_.RegQueryInfoKeyA(host, &sub_keys), reg_status::kInvalidHandle);
 }
 
 }  // namespace

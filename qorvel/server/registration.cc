@@ -50,12 +50,13 @@ void DropIfEmpty(const std::string& key) {
   RegKey handle = 0;
   if (registry.RegOpenKeyA(root_key::kClassesRoot, key, &handle) != reg_status::kSuccess) return;
   uint32_t size = 0;
+  uint32_t sub_keys = 0;
   const bool has_default = registry.RegQueryValueExA(handle, "", nullptr, nullptr, nullptr,
                                                      &size) == reg_status::kSuccess;
+  const bool has_keys =
+      registry.RegQueryInfoKeyA(handle, &sub_keys) != reg_status::kSuccess || sub_keys > 0;
   registry.RegCloseKey(handle);
-  if (!has_default && registry.KeysBelow(root_key::kClassesRoot, key).empty()) {
-    registry.DeleteKey(root_key::kClassesRoot, key);
-  }
+  if (!has_default && !has_keys) registry.DeleteKey(root_key::kClassesRoot, key);
 }
 
 }  // namespace

@@ -34,9 +34,11 @@ TEST(RegistrationTest, WritesTheClassesAndTheirProgrammaticNames) {
     EXPECT_EQ(Text(key + "\\InprocServer32", "ThreadingModel"), "Apartment");
     EXPECT_EQ(Text(key + "\\TypeLib"), libid);
     EXPECT_EQ(Text(key + "\\Version"), "1.0");
-    EXPECT_EQ(env.env().registry().KeyExists(root_key::kClassesRoot, key + "\\Control"), c.control);
-    EXPECT_EQ(env.env().registry().KeyExists(root_key::kClassesRoot, key + "\\MiscStatus"),
+    EXPECT_EQ(env.env().portable().registry().KeyExists(root_key::kClassesRoot, key + "\\Control"),
               c.control);
+    EXPECT_EQ(
+        env.env().portable().registry().KeyExists(root_key::kClassesRoot, key + "\\MiscStatus"),
+        c.control);
   }
   struct {
     const char* name;
@@ -90,7 +92,7 @@ TEST(RegistrationTest, UnregisterRemovesExactlyWhatWasWritten) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ScopedEnv env;
-    Registry& registry = env.env().registry();
+    MemoryRegistry& registry = env.env().portable().registry();
     for (const auto& [key, value] : c.keys)
       registry.SetString(root_key::kClassesRoot, key, "", value);
     const auto before = registry.KeysBelow(root_key::kClassesRoot, "");
