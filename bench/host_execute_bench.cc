@@ -30,7 +30,8 @@ void BM_ZebrinExecute(benchmark::State& state) {
   ScopedEnv env;
   auto host = hosts::RunZebrin();
   Zebrin zebrin;
-  zebrin.Connect();
+  int32_t bind_only = 0;
+  zebrin.Connect(bind_only);
   for (auto _ : state) {
     zebrin.Execute("ADVANCEDOPTS WINDOWS INFORMATION ON");
     if (state.iterations() % 4096 == 0) host->ClearLog();

@@ -110,7 +110,8 @@ void BM_GetToolpathList100k(benchmark::State& state) {
   HostLink::Of(Host::kTarvik).Clear();
   Tarvik3 control;
   control.Initialize();
-  control.Connect();
+  int32_t bind_only = 0;
+  control.Connect(bind_only);
   AutomationObject list = NewCollection();
   int32_t active = 0;
   for (auto _ : state) {

@@ -17,7 +17,8 @@ int main() {
   zebrin.Initialize();
   auto yes_no = [](VariantBool b) { return b == VariantBool::kTrue ? "yes" : "no"; };
   std::cout << "connected before Connect: " << yes_no(zebrin.Connected()) << "\n";
-  zebrin.Connect(1);  // qvStartZebrin: start the program through the registry
+  int32_t start = 1;  // qvStartZebrin: start the program through the registry
+  zebrin.Connect(start);
   std::cout << "connected: " << yes_no(zebrin.Connected()) << ", version " << zebrin.version()
             << "\n";
 

@@ -43,13 +43,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   SetDecimalSymbol(env.env().registry(), data[0] & 1 ? "," : ".");
   const bool user_mode = (data[0] & 2) != 0;
   const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
-  const uint64_t generation = env.env().registry().generation();
+  const uint64_t generation = env.env().portable().registry().generation();
   const int live = LiveObjects();
 
   std::unique_ptr<Form> form;
   if (!RunAllowing(kFormErrors, [&] { form = Form::FromText(text, "fuzz.frm", user_mode); })) {
     Expect(LiveObjects() == live, "a refused file leaves no live object");
-    Expect(env.env().registry().generation() == generation, "a refused file writes no registry");
+    Expect(env.env().portable().registry().generation() == generation,
+           "a refused file writes no registry");
     Expect(env.env().clipboard().GetText().empty(), "a refused file leaves the clipboard alone");
     Expect(env.env().messages().shown().empty(), "a refused file shows no box");
     return 0;

@@ -20,20 +20,20 @@ namespace {
 
 using fuzz::Expect;
 
-constexpr HKEY kRoots[] = {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS,
-                           HKEY_CURRENT_CONFIG};
+constexpr RegKey kRoots[] = {root_key::kClassesRoot, root_key::kCurrentUser,
+                             root_key::kLocalMachine, root_key::kUsers, root_key::kCurrentConfig};
 constexpr const char* kSource = "fuzz.reg";
 
 // Keys and values a file is likely to name, so that its deletes and overwrites meet something.
 void Seed(Registry& registry) {
-  registry.SetString(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern\\Exec\\tarvik", "CurrentVersion",
+  registry.SetString(root_key::kLocalMachine, "SOFTWARE\\Halvern\\Exec\\tarvik", "CurrentVersion",
                      "2620");
-  registry.SetString(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern\\tarvik\\2620", "ExecutablePath",
+  registry.SetString(root_key::kLocalMachine, "SOFTWARE\\Halvern\\tarvik\\2620", "ExecutablePath",
                      "C:\\Program Files\\Halvern\\Tarvik\\2620\\tarvik.exe");
-  registry.SetString(HKEY_CURRENT_USER, "Control Panel\\International", "sDecimal", ",");
-  registry.SetDword(HKEY_CURRENT_USER, "Software\\Test", "Count", 7);
-  registry.SetString(HKEY_CLASSES_ROOT, "Tarvik.Document\\CLSID", "", "{0000}");
-  registry.SetString(HKEY_CURRENT_USER, "", "AtRoot", "x");
+  registry.SetString(root_key::kCurrentUser, "Control Panel\\International", "sDecimal", ",");
+  registry.SetDword(root_key::kCurrentUser, "Software\\Test", "Count", 7);
+  registry.SetString(root_key::kClassesRoot, "Tarvik.Document\\CLSID", "", "{0000}");
+  registry.SetString(root_key::kCurrentUser, "", "AtRoot", "x");
 }
 constexpr const char* kSeedNames[] = {
     "", "CurrentVersion", "ExecutablePath", "sDecimal", "Count", "AtRoot", "Test"};
@@ -110,9 +110,9 @@ struct Snapshot {
   bool operator==(const Snapshot&) const = default;
 };
 
-Snapshot Take(const Registry& registry, const std::set<std::string>& names) {
+Snapshot Take(const MemoryRegistry& registry, const std::set<std::string>& names) {
   Snapshot s;
-  for (HKEY root : kRoots) {
+  for (RegKey root : kRoots) {
     s.keys.push_back(registry.KeyExists(root, "") ? "+" : "-");
     std::vector<std::string> subkeys = {""};
     for (const std::string& key : registry.KeysBelow(root, "")) {

@@ -125,7 +125,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Tarvik3 control;
   Session session(*host, settings >> 4);
   session.Run({}, [&] { control.Initialize(); });
-  session.Run(gate, [&] { control.Connect(0); });
+  int32_t bind_only = 0;
+  session.Run(gate, [&] { control.Connect(bind_only); });
   session.Run(gate, [&] {
     for (int32_t axis = 1; axis <= 6; ++axis) {
       Expect(std::isfinite(control.BlockSize(axis)), "a block limit is finite");

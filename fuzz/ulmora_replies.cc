@@ -95,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   std::optional<Variant> printed = Reply(in);
   host->AddEntity({"E", "Point", {{"V", printed.value_or(Variant(1.5))}}});
-  const int32_t filter = in.ConsumeIntegral<int32_t>();
+  int32_t filter = in.ConsumeIntegral<int32_t>();
 
   Ulmora27 control;
   control.Initialize();

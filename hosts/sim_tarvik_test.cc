@@ -101,7 +101,7 @@ TEST_F(SimTarvikTest, WhatItDoesntKnowIsRejectedWithTheReason) {
 
 TEST_F(SimTarvikTest, NumbersFollowTheRegionalSettings) {
   SetDecimalSymbol(Env::Current().registry(), ",");
-  Env::Current().registry().SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", ".");
+  Env::Current().registry().SetString(root_key::kCurrentUser, kInternationalKey, "sThousand", ".");
   tarvik_->LoadModel({-1.5, 0, 0, 2.25, 1, 1}, 1);
   Send("EDIT BLOCK RESETLIMIT 0,5");
   Send("EDIT BLOCK RESET");

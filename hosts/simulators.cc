@@ -62,14 +62,14 @@ std::shared_ptr<SimUlmora> RunUlmora(std::chrono::milliseconds start_delay) {
 // The launcher and the class servers belong to `env`, so they may keep a reference to it.
 void InstallSimulatedHosts(std::chrono::milliseconds start_delay) {
   Env& env = Env::Current();
-  auto* portable = dynamic_cast<PortableEnv*>(&env);
+  PortableEnv* portable = PortableEnvOf(env);
   if (portable == nullptr) {
     Raise(err::kInvalidCall, "The simulated hosts run on the portable platform only");
   }
   HostTable::Of(env)->set_start_delay(start_delay);
-  env.registry().LoadRegText(kDefaultReg, "simulated_hosts.reg");
-  portable->programs().InstallProgram(kZebrinProgram, [&env] { Launch<SimZebrin>(env); });
-  portable->programs().InstallProgram(kTarvikProgram, [&env] { Launch<SimTarvik>(env); });
+  portable->registry().LoadRegText(kDefaultReg, "simulated_hosts.reg");
+  portable->launcher().InstallProgram(kZebrinProgram, [&env] { Launch<SimZebrin>(env); });
+  portable->launcher().InstallProgram(kTarvikProgram, [&env] { Launch<SimTarvik>(env); });
   env.running_objects().RegisterClassServer(kZebrinClass, [&env] { return New<SimZebrin>(env); });
   env.running_objects().RegisterClassServer(kTarvikClass, [&env] { return New<SimTarvik>(env); });
 }

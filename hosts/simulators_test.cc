@@ -23,8 +23,8 @@ class SimulatorsTest : public ::testing::Test {
   // A registry text value as the controls read it: the stored bytes without the closing zero.
   std::string RegText(const std::string& key, const std::string& name) {
     std::optional<RegValue> value =
-        Env::Current().registry().GetValue(HKEY_LOCAL_MACHINE, key, name);
-    if (!value || value->type != REG_SZ || value->data.empty()) return "(none)";
+        Env::Current().registry().GetValue(root_key::kLocalMachine, key, name);
+    if (!value || value->type != reg_type::kString || value->data.empty()) return "(none)";
     return std::string(value->data.begin(), value->data.end() - 1);
   }
 

@@ -19,7 +19,7 @@ int UnregisterServer(lua_State* L) {
 }
 
 int CanUnloadNow(lua_State* L) {
-  lua_pushboolean(L, qorvel::DllCanUnloadNow() == qorvel::S_OK);
+  lua_pushboolean(L, qorvel::DllCanUnloadNow() == qorvel::hresult::kOk);
   return 1;
 }
 

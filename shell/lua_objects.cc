@@ -117,7 +117,7 @@ int CreateObject(lua_State* L) {
   return 1;
 }
 
-int GetObject(lua_State* L) {
+int GetRunningObject(lua_State* L) {
   PushObject(L, qorvel::Env::Current().running_objects().BindRunning(ArgString(L, 1)));
   return 1;
 }
@@ -148,7 +148,7 @@ void OpenObjects(lua_State* L) {
   luaL_setfuncs(L, meta, 0);
   lua_pop(L, 1);
   lua_register(L, "CreateObject", Protected<CreateObject>);
-  lua_register(L, "GetObject", Protected<GetObject>);
+  lua_register(L, "GetObject", Protected<GetRunningObject>);
 }
 
 }  // namespace qvsh

@@ -7,6 +7,7 @@
 
 #include "qorvel/frame/type_library.h"
 #include "qorvel/platform/env.h"
+#include "qorvel/platform/error.h"
 #include "qorvel/platform/numbers.h"
 #include "qorvel/platform/text.h"
 #include "shell/lua_errors.h"
@@ -16,12 +17,22 @@
 namespace qvsh {
 namespace {
 
-using qorvel::HKEY;
+using qorvel::RegKey;
 
 qorvel::Registry& TheRegistry() { return qorvel::Env::Current().registry(); }
 
+// The in-memory hive behind it, which loads .reg files and knows which keys exist.
+qorvel::MemoryRegistry& TheHive() {
+  qorvel::PortableEnv* portable = qorvel::PortableEnvOf(qorvel::Env::Current());
+  if (portable == nullptr) {
+    qorvel::Raise(qorvel::err::kInvalidCall,
+                  "Registry.Load and Registry.Exists need the portable platform");
+  }
+  return portable->registry();
+}
+
 struct Key {
-  HKEY root;
+  RegKey root;
   std::string path;
 };
 
@@ -30,12 +41,12 @@ Key ArgKey(lua_State* L, int arg) {
   static const struct {
     const char* name;
     const char* abbreviation;
-    HKEY root;
-  } kRoots[] = {{"HKEY_CLASSES_ROOT", "HKCR", qorvel::HKEY_CLASSES_ROOT},
-                {"HKEY_CURRENT_USER", "HKCU", qorvel::HKEY_CURRENT_USER},
-                {"HKEY_LOCAL_MACHINE", "HKLM", qorvel::HKEY_LOCAL_MACHINE},
-                {"HKEY_USERS", "HKU", qorvel::HKEY_USERS},
-                {"HKEY_CURRENT_CONFIG", "HKCC", qorvel::HKEY_CURRENT_CONFIG}};
+    RegKey root;
+  } kRoots[] = {{"HKEY_CLASSES_ROOT", "HKCR", qorvel::root_key::kClassesRoot},
+                {"HKEY_CURRENT_USER", "HKCU", qorvel::root_key::kCurrentUser},
+                {"HKEY_LOCAL_MACHINE", "HKLM", qorvel::root_key::kLocalMachine},
+                {"HKEY_USERS", "HKU", qorvel::root_key::kUsers},
+                {"HKEY_CURRENT_CONFIG", "HKCC", qorvel::root_key::kCurrentConfig}};
   const std::string text = ArgString(L, arg);
   const size_t cut = text.find('\\');
   const std::string root = text.substr(0, cut);
@@ -51,21 +62,23 @@ Key ArgKey(lua_State* L, int arg) {
 
 void PushRegValue(lua_State* L, const qorvel::RegValue& value) {
   const std::vector<uint8_t>& data = value.data;
-  if ((value.type == qorvel::REG_DWORD && data.size() == 4) ||
-      (value.type == qorvel::REG_QWORD && data.size() == 8)) {
+  if ((value.type == qorvel::reg_type::kDword && data.size() == 4) ||
+      (value.type == qorvel::reg_type::kQword && data.size() == 8)) {
     uint64_t n = 0;
     for (size_t i = data.size(); i-- > 0;) n = n << 8 | data[i];
-    lua_pushinteger(L, value.type == qorvel::REG_DWORD ? lua_Integer(uint32_t(n)) : lua_Integer(n));
+    lua_pushinteger(
+        L, value.type == qorvel::reg_type::kDword ? lua_Integer(uint32_t(n)) : lua_Integer(n));
     return;
   }
   size_t size = data.size();
-  const bool text = value.type == qorvel::REG_SZ || value.type == qorvel::REG_EXPAND_SZ;
+  const bool text =
+      value.type == qorvel::reg_type::kString || value.type == qorvel::reg_type::kExpandString;
   if (text && size > 0 && data[size - 1] == 0) --size;  // the terminating zero
   lua_pushlstring(L, reinterpret_cast<const char*>(data.data()), size);
 }
 
 int Load(lua_State* L) {
-  TheRegistry().LoadRegFile(ArgString(L, 1));
+  TheHive().LoadRegFile(ArgString(L, 1));
   return 0;
 }
 
@@ -81,7 +94,7 @@ int Get(lua_State* L) {
 
 int Exists(lua_State* L) {
   const Key key = ArgKey(L, 1);
-  lua_pushboolean(L, TheRegistry().KeyExists(key.root, key.path));
+  lua_pushboolean(L, TheHive().KeyExists(key.root, key.path));
   return 1;
 }
 
@@ -138,12 +151,12 @@ int Set(lua_State* L) {
   // grouping symbol last, so one named here wins over the one the decimal symbol moved aside.
   qorvel::Registry& registry = TheRegistry();
   if (currency) {
-    registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sCurrency",
+    registry.SetString(qorvel::root_key::kCurrentUser, qorvel::kInternationalKey, "sCurrency",
                        *currency);
   }
   if (decimal) qorvel::SetDecimalSymbol(registry, *decimal);
   if (thousand) {
-    registry.SetString(qorvel::HKEY_CURRENT_USER, qorvel::kInternationalKey, "sThousand",
+    registry.SetString(qorvel::root_key::kCurrentUser, qorvel::kInternationalKey, "sThousand",
                        *thousand);
   }
   return 0;

@@ -32,9 +32,19 @@ size_t BoundInterface::Claim(const char* name, MemberKind kind, const Signature&
   bool fits =
       shape.params.size() == row->params.size() && Fits(shape.result, AutomationType(row->result));
   for (size_t i = 0; fits && i < shape.params.size(); ++i) {
-    fits = Fits(shape.params[i], DispatchType(row->params[i]));
+    fits = Fits(shape.params[i].type, DispatchType(row->params[i]));
   }
   if (!fits) Raise(err::kInvalidCall, fault + "the member's arguments or result differ");
+  // A member that takes by value what the row passes by reference would drop what it leaves
+  // there; one that takes by reference what is passed by value writes where nobody reads.
+  for (size_t i = 0; i < shape.params.size(); ++i) {
+    const ParamInfo& param = row->params[i];
+    if (shape.params[i].by_ref != param.by_ref) {
+      Raise(err::kInvalidCall,
+            fault + param.name + " is passed by " + (param.by_ref ? "reference" : "value") +
+                " but the member takes it by " + (shape.params[i].by_ref ? "reference" : "value"));
+    }
+  }
   bound_[slot] = true;
   return slot;
 }

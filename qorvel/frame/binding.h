@@ -62,9 +62,21 @@ T ValueOf(const Variant& v) {
 // (kVariant).
 VarType DispatchType(const ParamInfo& param);
 
+// Whether a member takes a parameter of type T by non-const reference, so that what it leaves
+// there can go back to the caller's variable.
+template <class T>
+constexpr bool kWritesBack =
+    std::is_lvalue_reference_v<T> && !std::is_const_v<std::remove_reference_t<T>>;
+
+// One parameter of a C++ member as the dispatch face checks it against its row.
+struct ParamShape {
+  VarType type;
+  bool by_ref;  // taken by non-const reference
+};
+
 // The shape of a C++ member as the dispatch face checks it against its row.
 struct Signature {
-  std::vector<VarType> params;
+  std::vector<ParamShape> params;
   VarType result;
 };
 
@@ -75,7 +87,8 @@ struct MemberTraits<R (C::*)(A...)> {
   using Result = R;
   using Params = std::tuple<A...>;
   static Signature Shape() {
-    return {{kAutomationTypeOf<std::decay_t<A>>...}, kAutomationTypeOf<R>};
+    return {{ParamShape{kAutomationTypeOf<std::decay_t<A>>, kWritesBack<A>}...},
+            kAutomationTypeOf<R>};
   }
 };
 template <class C, class R, class... A>
@@ -92,9 +105,7 @@ Variant RunMember(Object& object, std::span<Variant> args) {
         ValueOf<std::decay_t<std::tuple_element_t<I, typename Traits::Params>>>(args[I])...};
     const auto write_back = [&] {
       [[maybe_unused]] const auto one = [&]<size_t J>() {
-        using Param = std::tuple_element_t<J, typename Traits::Params>;
-        if constexpr (std::is_lvalue_reference_v<Param> &&
-                      !std::is_const_v<std::remove_reference_t<Param>>) {
+        if constexpr (kWritesBack<std::tuple_element_t<J, typename Traits::Params>>) {
           args[J] = Variant(std::get<J>(values));
         }
       };
@@ -153,8 +164,8 @@ class BoundInterface {
  protected:
   explicit BoundInterface(std::string_view class_name);
   // The slot of the row `name` and `kind` after checking that the C++ member fits it; a row
-  // that isn't there, is bound twice, or takes other arguments is a fault of the binding and
-  // raises 5 naming it.
+  // that isn't there, is bound twice, takes other arguments, or passes one by reference that
+  // the member takes by value (or the reverse) is a fault of the binding and raises 5 naming it.
   size_t Claim(const char* name, MemberKind kind, const Signature& shape);
 
  private:

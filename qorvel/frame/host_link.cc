@@ -48,9 +48,9 @@ VariantBool HostLink::StartAndConnect() {
   const HostProfile& p = ProfileOf(host_);
   if (ConnectToRunning() == VariantBool::kTrue) return VariantBool::kTrue;
   const std::string version =
-      ReadRegistryValue(HKEY_LOCAL_MACHINE, p.version_key, "CurrentVersion");
+      ReadRegistryValue(root_key::kLocalMachine, p.version_key, "CurrentVersion");
   const std::string path =
-      ReadRegistryValue(HKEY_LOCAL_MACHINE, p.install_key_prefix + version, "ExecutablePath");
+      ReadRegistryValue(root_key::kLocalMachine, p.install_key_prefix + version, "ExecutablePath");
   Messages& messages = Env::Current().messages();
   if (path == kNotFound) {
     messages.ShowMessage(std::string(p.start_text) + "\rCheck registry", kCriticalStop,

@@ -25,7 +25,7 @@ std::vector<Sent> SentBy(const hosts::SimHost& host) {
 class HostLinkTest : public ::testing::Test {
  protected:
   std::vector<Message> Boxes() { return env_.env().messages().shown(); }
-  CountingRegistry& registry() { return env_.env().counted_registry(); }
+  CountingRegistry& registry() { return env_.env().registry(); }
   ScopedEnv env_;
 };
 
@@ -93,13 +93,13 @@ TEST_F(HostLinkTest, AFailedStartShowsOneBoxAndReturnsFalse) {
     hosts::InstallSimulatedHosts(c.still_starting ? 1h : 0h);
     const std::string host = c.host == Host::kZebrin ? "zebrin" : "tarvik";
     Registry& registry = env.env().registry();
-    registry.DeleteKey(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern");
+    registry.DeleteKey(root_key::kLocalMachine, "SOFTWARE\\Halvern");
     if (c.version) {
-      registry.SetString(HKEY_LOCAL_MACHINE, "SOFTWARE\\Halvern\\Exec\\" + host, "CurrentVersion",
-                         c.version);
+      registry.SetString(root_key::kLocalMachine, "SOFTWARE\\Halvern\\Exec\\" + host,
+                         "CurrentVersion", c.version);
     }
     if (c.path) {
-      registry.SetString(HKEY_LOCAL_MACHINE,
+      registry.SetString(root_key::kLocalMachine,
                          "SOFTWARE\\Halvern\\" + host + "\\" + (c.version ? c.version : kNotFound),
                          "ExecutablePath", c.path);
     }

@@ -21,18 +21,18 @@ void CutToSize(std::string& buffer, uint32_t data_size) {
 std::string ReadRegistryValue(uint32_t hive, const std::string& sub_key,
                               const std::string& value_name) {
   Registry& registry = Env::Current().registry();
-  HKEY key_handle = 0;
+  RegKey key_handle = 0;
   registry.RegOpenKeyA(hive, sub_key, &key_handle);
   std::string buffer(kBufferSize, ' ');
   uint32_t data_size = kBufferSize;
   uint32_t value_type = 0;
-  int32_t result = ERROR_INVALID_HANDLE;
+  int32_t result = reg_status::kInvalidHandle;
   const bool called = HoldBack([&] {
     result = registry.RegQueryValueExA(key_handle, value_name, nullptr, &value_type,
                                        reinterpret_cast<uint8_t*>(buffer.data()), &data_size);
   });
-  if (called && result == ERROR_SUCCESS) {
-    if (value_type == REG_DWORD) {
+  if (called && result == reg_status::kSuccess) {
+    if (value_type == reg_type::kDword) {
       const auto b = [&](int i) { return static_cast<uint8_t>(buffer[i]); };
       const int32_t low = b(0) + b(1) * 256 + b(2) * 65536;
       buffer = FormatPattern(b(3) * 16777216.0 + low, "000");

@@ -13,10 +13,11 @@ constexpr const char* kKey = "SOFTWARE\\Halvern\\Test";
 class ReadRegistryValueTest : public ::testing::Test {
  protected:
   void Set(uint32_t type, std::vector<uint8_t> bytes) {
-    env_.env().registry().SetValue(HKEY_LOCAL_MACHINE, kKey, "v", RegValue{type, std::move(bytes)});
+    env_.env().registry().SetValue(root_key::kLocalMachine, kKey, "v",
+                                   RegValue{type, std::move(bytes)});
   }
   static std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
-  std::string Read() { return ReadRegistryValue(HKEY_LOCAL_MACHINE, kKey, "v"); }
+  std::string Read() { return ReadRegistryValue(root_key::kLocalMachine, kKey, "v"); }
 
   ScopedEnv env_;
 };
@@ -28,7 +29,7 @@ TEST_F(ReadRegistryValueTest, DwordsFormatWithAtLeastThreeDigits) {
       {0x80000000u, "2147483648"}, {0xFFFFFFFFu, "4294967295"}};
   // clang-format on
   for (const auto& [value, text] : cases) {
-    env_.env().registry().SetDword(HKEY_LOCAL_MACHINE, kKey, "v", value);
+    env_.env().registry().SetDword(root_key::kLocalMachine, kKey, "v", value);
     EXPECT_EQ(Read(), text) << value;
   }
 }
@@ -39,14 +40,14 @@ TEST_F(ReadRegistryValueTest, TextPathCutsByByteCount) {
     std::string stored;
     std::string expected;
   } cases[] = {
-      {REG_SZ, std::string("2620\0", 5), "2620"},
-      {REG_SZ, std::string("\0", 1), ""},                     // size 1: empty text
-      {REG_SZ, "", std::string(2048, ' ')},                   // size 0: the cut fails
-      {REG_SZ, "abc", "ab"},                                  // no terminator: last char lost
-      {REG_BINARY, "\x01\x02\x03", "\x01\x02"},               // binary takes the text path
-      {REG_EXPAND_SZ, std::string("%PATH%\0", 7), "%PATH%"},  // no expansion
-      {REG_SZ, std::string(2047, 'x') + '\0', std::string(2047, 'x')},
-      {REG_SZ, std::string(2048, 'x') + '\0', "Not Found"},  // more data than the buffer
+      {reg_type::kString, std::string("2620\0", 5), "2620"},
+      {reg_type::kString, std::string("\0", 1), ""},    // size 1: empty text
+      {reg_type::kString, "", std::string(2048, ' ')},  // size 0: the cut fails
+      {reg_type::kString, "abc", "ab"},                 // no terminator: last char lost
+      {reg_type::kBinary, "\x01\x02\x03", "\x01\x02"},  // binary takes the text path
+      {reg_type::kExpandString, std::string("%PATH%\0", 7), "%PATH%"},  // no expansion
+      {reg_type::kString, std::string(2047, 'x') + '\0', std::string(2047, 'x')},
+      {reg_type::kString, std::string(2048, 'x') + '\0', "Not Found"},  // more data than the buffer
   };
   for (const Case& c : cases) {
     Set(c.type, Bytes(c.stored));
@@ -56,12 +57,12 @@ TEST_F(ReadRegistryValueTest, TextPathCutsByByteCount) {
 
 // Each call closes the key it opened, found or not.
 TEST_F(ReadRegistryValueTest, MissingKeyOrValueIsNotFound) {
-  CountingRegistry& registry = env_.env().counted_registry();
-  env_.env().registry().SetString(HKEY_LOCAL_MACHINE, kKey, "other", "x");
+  CountingRegistry& registry = env_.env().registry();
+  env_.env().registry().SetString(root_key::kLocalMachine, kKey, "other", "x");
   const int before = registry.close_calls();
   EXPECT_EQ(Read(), "Not Found");
-  EXPECT_EQ(ReadRegistryValue(HKEY_LOCAL_MACHINE, "SOFTWARE\\Nowhere", "v"), "Not Found");
-  EXPECT_EQ(ReadRegistryValue(HKEY_CURRENT_USER, kKey, "other"), "Not Found");
+  EXPECT_EQ(ReadRegistryValue(root_key::kLocalMachine, "SOFTWARE\\Nowhere", "v"), "Not Found");
+  EXPECT_EQ(ReadRegistryValue(root_key::kCurrentUser, kKey, "other"), "Not Found");
   EXPECT_EQ(registry.close_calls(), before + 3);
   EXPECT_EQ(registry.open_handles(), 0);
 }

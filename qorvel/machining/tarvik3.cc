@@ -19,7 +19,7 @@ void Tarvik3::Refuse() { Raise(err::kOldTarvik); }
 
 void Tarvik3::Dropped() { BlockStored = VariantBool::kFalse; }
 
-void Tarvik3::Connect(int32_t ConnectionStatus) {
+void Tarvik3::Connect(int32_t& ConnectionStatus) {
   if (ConnectedFlag != VariantBool::kTrue) {
     if (ConnectionStatus == 1) {
       Link().StartAndConnect();

@@ -17,7 +17,8 @@ class Tarvik3 : public HostSession {
   Tarvik3() : HostSession(Host::kTarvik) {}
 
   // Session.
-  void Connect(int32_t ConnectionStatus = 0);  // TarvikConnectType: 0 bind, 1 start, 2 new
+  // TarvikConnectType: 0 bind, 1 start, 2 new. The client's variable is only read.
+  void Connect(int32_t& ConnectionStatus);
   std::string ExecuteEx(const std::string& command) { return Link().HostExecuteEx(command); }
   void ExitTarvik() { ExitHost(); }
   VariantBool Dialogs();
@@ -28,12 +29,10 @@ class Tarvik3 : public HostSession {
   // Block and model.
   void StoreBlock();
   void StoreModel();
-  void ResizeBlock(double offset, VariantBool XminLock = VariantBool::kFalse,
-                   VariantBool XmaxLock = VariantBool::kFalse,
-                   VariantBool YminLock = VariantBool::kFalse,
-                   VariantBool YmaxLock = VariantBool::kFalse,
-                   VariantBool ZminLock = VariantBool::kFalse,
-                   VariantBool ZmaxLock = VariantBool::kFalse);
+  // The locks are the client's variables, only read (false where a client leaves one out).
+  void ResizeBlock(double offset, VariantBool& XminLock, VariantBool& XmaxLock,
+                   VariantBool& YminLock, VariantBool& YmaxLock, VariantBool& ZminLock,
+                   VariantBool& ZmaxLock);
   void SetBlock(int32_t axis, double value);
   double BlockSize(int32_t axis);
   double ModelSize(int32_t axis);
@@ -41,9 +40,11 @@ class Tarvik3 : public HostSession {
   VariantBool BlockDefined();
 
   // Tools and units.
-  void DefineTool(int32_t ToolType, double Diameter, double Length = -1, double TipRad = -1,
-                  double Angle = -1, double Chamfer = -1, double XOffset = 0, double YOffset = 0,
-                  int32_t ToolNumber = -1, const std::string& ToolName = "");
+  // All but the first two are the client's variables, only read. Where a client leaves one
+  // out it reads -1, but 0 for the offsets and the empty text for the name.
+  void DefineTool(int32_t ToolType, double Diameter, double& Length, double& TipRad, double& Angle,
+                  double& Chamfer, double& XOffset, double& YOffset, int32_t& ToolNumber,
+                  std::string& ToolName);
   int32_t Units();
   void SetUnits(int32_t useunits);
 

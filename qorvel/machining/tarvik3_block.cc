@@ -60,9 +60,9 @@ void Tarvik3::StoreModel() {
   }
 }
 
-void Tarvik3::ResizeBlock(double offset, VariantBool XminLock, VariantBool XmaxLock,
-                          VariantBool YminLock, VariantBool YmaxLock, VariantBool ZminLock,
-                          VariantBool ZmaxLock) {
+void Tarvik3::ResizeBlock(double offset, VariantBool& XminLock, VariantBool& XmaxLock,
+                          VariantBool& YminLock, VariantBool& YmaxLock, VariantBool& ZminLock,
+                          VariantBool& ZmaxLock) {
   if (tarvik_stuff::ModelLoadedProbe() != VariantBool::kTrue) return;
   Link().HostExecute("EDIT BLOCKTYPE LIMITS");
   Link().HostExecute("EDIT BLOCK LIMITTYPE MODEL");

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "hosts/simulators.h"
 #include "qorvel/frame/host_link.h"
 #include "qorvel/platform/collection.h"
@@ -23,9 +25,24 @@ class Tarvik3Test : public ::testing::Test {
     control_.Initialize();
   }
   static HostLink& Link() { return HostLink::Of(Host::kTarvik); }
+  // The members take the client's variables; these pass what a client that leaves them out
+  // passes.
+  void Connect(int32_t mode = 0) { control_.Connect(mode); }
+  void ResizeBlock(double offset, VariantBool xmin = VariantBool::kFalse,
+                   VariantBool xmax = VariantBool::kFalse, VariantBool ymin = VariantBool::kFalse,
+                   VariantBool ymax = VariantBool::kFalse, VariantBool zmin = VariantBool::kFalse,
+                   VariantBool zmax = VariantBool::kFalse) {
+    control_.ResizeBlock(offset, xmin, xmax, ymin, ymax, zmin, zmax);
+  }
+  void DefineTool(int32_t type, double diameter, double length = -1, double tip_radius = -1,
+                  double angle = -1, double chamfer = -1, double x_offset = 0, double y_offset = 0,
+                  int32_t number = -1, std::string name = "") {
+    control_.DefineTool(type, diameter, length, tip_radius, angle, chamfer, x_offset, y_offset,
+                        number, name);
+  }
   std::shared_ptr<SimTarvik> Connected() {
     auto host = hosts::RunTarvik();
-    control_.Connect();
+    Connect();
     host->ClearLog();
     return host;
   }
@@ -58,7 +75,7 @@ TEST_F(Tarvik3Test, VersionGateInModesZeroAndOne) {
       Link().Clear();
       control_.Initialize();
       host->set_version(c.version);
-      EXPECT_EQ(ErrorOf([&] { control_.Connect(mode); }), c.error) << c.version;
+      EXPECT_EQ(ErrorOf([&] { Connect(mode); }), c.error) << c.version;
       EXPECT_EQ(Link().object(), host) << "the link stays bound";
       EXPECT_EQ(ErrorOf([&] { control_.Connected(); }), c.error);
       if (c.error == 0) {
@@ -78,11 +95,11 @@ TEST_F(Tarvik3Test, VersionGateInModesZeroAndOne) {
 TEST_F(Tarvik3Test, ModeTwoCreatesAndRefusesOldHostsByEmptyingTheLink) {
   hosts::InstallSimulatedHosts();
   auto running = hosts::RunTarvik();
-  control_.Connect(2);
+  Connect(2);
   EXPECT_EQ(control_.Connected(), VariantBool::kTrue);
   EXPECT_NE(Link().object(), running);
   const size_t created = hosts::StartedHosts().size();
-  control_.Connect(2);  // connected: creates nothing
+  Connect(2);  // connected: creates nothing
   EXPECT_EQ(hosts::StartedHosts().size(), created);
 
   for (int32_t version : {2521, 0, -1}) {
@@ -93,10 +110,10 @@ TEST_F(Tarvik3Test, ModeTwoCreatesAndRefusesOldHostsByEmptyingTheLink) {
       sim->set_version(version);
       return sim;
     });
-    EXPECT_EQ(ErrorOf([&] { control_.Connect(2); }), 60000) << version;
+    EXPECT_EQ(ErrorOf([&] { Connect(2); }), 60000) << version;
     EXPECT_TRUE(Link().empty()) << version;
   }
-  control_.Connect(7);  // no link operation, only the probe
+  Connect(7);  // no link operation, only the probe
   EXPECT_TRUE(Link().empty());
 }
 
@@ -118,7 +135,7 @@ TEST_F(Tarvik3Test, VisibleWriteOnlyWhileConnected) {
   control_.SetVisible(VariantBool::kFalse);
   EXPECT_EQ(host->visible, VariantBool::kTrue);
   EXPECT_EQ(control_.Visible(), VariantBool::kTrue);
-  control_.Connect();
+  Connect();
   control_.SetVisible(VariantBool::kFalse);
   EXPECT_EQ(host->visible, VariantBool::kFalse);
   host->GoAway();
@@ -127,12 +144,12 @@ TEST_F(Tarvik3Test, VisibleWriteOnlyWhileConnected) {
 
 TEST_F(Tarvik3Test, ResizeBlockSendsTwelveCommandsBehindItsProbe) {
   auto host = Connected();
-  control_.ResizeBlock(-1.5);  // no model: no EDIT command
+  ResizeBlock(-1.5);  // no model: no EDIT command
   for (const std::string& c : Sent(*host)) EXPECT_EQ(c.find("EDIT"), std::string::npos) << c;
   host->LoadModel({-50, -25, 0, 50, 25, 30}, 12);
   host->ClearLog();
-  control_.ResizeBlock(5, VariantBool::kFalse, VariantBool::kTrue, MakeVariantBool(1),
-                       VariantBool::kFalse, VariantBool::kTrue);
+  ResizeBlock(5, VariantBool::kFalse, VariantBool::kTrue, MakeVariantBool(1), VariantBool::kFalse,
+              VariantBool::kTrue);
   EXPECT_EQ(host->log().size(), 18u);
   // clang-format off
   EXPECT_EQ(Sent(*host), (std::vector<std::string>{
@@ -182,7 +199,7 @@ TEST_F(Tarvik3Test, DefineToolSendsTheCommandsTheTypeAllows) {
   auto host = Connected();
   for (int32_t type = 0; type < int32_t(by_type.size()); ++type) {
     host->ClearLog();
-    control_.DefineTool(type, 6, 50, 1, 118, 2, -1, 0.5, 0, "Big one");
+    DefineTool(type, 6, 50, 1, 118, 2, -1, 0.5, 0, "Big one");
     std::vector<std::string> expected = {"EDIT DIAMETER 6.", "EDIT TLEN 50."};
     expected.insert(expected.end(), by_type[type].begin(), by_type[type].end());
     expected.insert(expected.end(), {"EDIT TOOLNUMBER 0", "EDIT TOOLNAME \"Big one\""});
@@ -192,8 +209,8 @@ TEST_F(Tarvik3Test, DefineToolSendsTheCommandsTheTypeAllows) {
 
 TEST_F(Tarvik3Test, DefineToolDefaultsAndZeroes) {
   auto host = Connected();
-  control_.DefineTool(6, 0);
-  control_.DefineTool(0, 0.0000001, 0, 2, -1, -1, 0, 0, -2, "");
+  DefineTool(6, 0);
+  DefineTool(0, 0.0000001, 0, 2, -1, -1, 0, 0, -2, "");
   EXPECT_EQ(Sent(*host), (std::vector<std::string>{"EDIT TOOLTYPE OFFCENTRETIPRAD",
                                                    "EDIT TIPRADIUSX 0.", "EDIT TIPRADIUSY 0.",
                                                    "EDIT DIAMETER 0.", "EDIT TOOLTYPE ENDMILL"}));
@@ -267,7 +284,7 @@ TEST_F(Tarvik3Test, ListsFollowTheReplyLines) {
   EXPECT_EQ(GetMember(list, "Count").ToLong(), 0);
   EXPECT_EQ(active, 0);
   EXPECT_TRUE(host->log().empty());
-  control_.Connect();
+  Connect();
   struct Case {
     const char* why;
     std::string reply;

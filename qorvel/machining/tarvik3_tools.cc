@@ -32,9 +32,9 @@ constexpr ToolShape kNoShape = {nullptr, false, false, false, false};
 
 }  // namespace
 
-void Tarvik3::DefineTool(int32_t ToolType, double Diameter, double Length, double TipRad,
-                         double Angle, double Chamfer, double XOffset, double YOffset,
-                         int32_t ToolNumber, const std::string& ToolName) {
+void Tarvik3::DefineTool(int32_t ToolType, double Diameter, double& Length, double& TipRad,
+                         double& Angle, double& Chamfer, double& XOffset, double& YOffset,
+                         int32_t& ToolNumber, std::string& ToolName) {
   const ToolShape& shape = ToolType >= 0 && ToolType <= 7 ? kToolShapes[ToolType] : kNoShape;
   if (Diameter > 0) Link().HostExecute("EDIT DIAMETER " + HostNumberText(Diameter));
   if (Length > 0) Link().HostExecute("EDIT TLEN " + HostNumberText(Length));

@@ -39,7 +39,7 @@ Variant Ulmora27::Evaluate(std::string& ObjInfo) {
   return result;
 }
 
-void Ulmora27::AddBatchCommand(const std::string& NewCommand) {
+void Ulmora27::AddBatchCommand(std::string& NewCommand) {
   if (!BatchBuffer.empty()) BatchBuffer += "\r\n";
   BatchBuffer += NewCommand;
 }

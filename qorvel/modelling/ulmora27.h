@@ -26,7 +26,7 @@ class Ulmora27 : public HostSession {
   // client's own string goes to the host.
   Variant Evaluate(std::string& ObjInfo);
   void ClearBatchBuffer() { BatchBuffer.clear(); }
-  void AddBatchCommand(const std::string& NewCommand);
+  void AddBatchCommand(std::string& NewCommand);  // the client's string, only read
   // Hands the whole buffer to the host in one call; the buffer is emptied whatever comes of it.
   VariantBool ProcessBatch();
 
@@ -39,9 +39,9 @@ class Ulmora27 : public HostSession {
   void GetSelectedEntities(SafeArray& Names, SafeArray& Types, int32_t& number);
   void GetCreatedEntities(SafeArray& Names, SafeArray& Types, int32_t& number);
   void GetModifiedEntities(SafeArray& Names, SafeArray& Types, int32_t& number);
-  // The selected entities whose type has a bit in FilterFlag (qvEntityType).
+  // The selected entities whose type has a bit in FilterFlag (qvEntityType), which is only read.
   void GetFilteredSelection(SafeArray& Names, SafeArray& Types, int32_t& number,
-                            int32_t FilterFlag);
+                            int32_t& FilterFlag);
 
   // One value fetched from the host's Print, kept until the next StoreData; Empty when that
   // fails. StoredData hands out copies; StoreType is 1 (VectorArray) for an array, else 0.

@@ -87,7 +87,7 @@ void Ulmora27::GetModifiedEntities(SafeArray& Names, SafeArray& Types, int32_t& 
 // The type comes first and the name only for a match; the arrays grow by one at each match,
 // so they always hold exactly the matches so far.
 void Ulmora27::GetFilteredSelection(SafeArray& Names, SafeArray& Types, int32_t& number,
-                                    int32_t FilterFlag) {
+                                    int32_t& FilterFlag) {
   number = 0;
   const int32_t count = ItemsSelectedCount();
   for (int32_t i = 0; i < count; ++i) {

@@ -37,6 +37,11 @@ class Ulmora27Test : public ::testing::Test {
     control_.Connect();
     host_->ClearLog();
   }
+  // The members take the client's variables.
+  void AddBatchCommand(std::string command) { control_.AddBatchCommand(command); }
+  void GetFilteredSelection(SafeArray& names, SafeArray& types, int32_t& number, int32_t flag) {
+    control_.GetFilteredSelection(names, types, number, flag);
+  }
   // The expressions the host was asked, in order.
   std::vector<std::string> Asked() const {
     std::vector<std::string> asked;
@@ -119,19 +124,19 @@ TEST_F(Ulmora27Test, EvaluatePassesTheClientsStringAndTheReplyAsItCame) {
 }
 
 TEST_F(Ulmora27Test, ABatchGoesWholeInOneCallAndIsGoneAfterwards) {
-  control_.AddBatchCommand("");  // on an empty buffer: still empty
-  control_.AddBatchCommand("CREATE POINT Q1 1 2 3");
-  control_.AddBatchCommand("");  // on a filled one: an empty line
-  control_.AddBatchCommand("SELECT Q1");
+  AddBatchCommand("");  // on an empty buffer: still empty
+  AddBatchCommand("CREATE POINT Q1 1 2 3");
+  AddBatchCommand("");  // on a filled one: an empty line
+  AddBatchCommand("SELECT Q1");
   EXPECT_EQ(control_.ProcessBatch(), VariantBool::kFalse);  // not bound: false, and cleared
   EXPECT_EQ(control_.ProcessBatch(), VariantBool::kFalse);
   Connect();
   EXPECT_EQ(control_.ProcessBatch(), VariantBool::kTrue);  // an empty batch still goes
-  control_.AddBatchCommand("CREATE POINT Q1 1 2 3");
-  control_.AddBatchCommand("");
-  control_.AddBatchCommand("SELECT Q1");
+  AddBatchCommand("CREATE POINT Q1 1 2 3");
+  AddBatchCommand("");
+  AddBatchCommand("SELECT Q1");
   EXPECT_EQ(control_.ProcessBatch(), VariantBool::kTrue);
-  control_.AddBatchCommand("DELETE NOTHING");
+  AddBatchCommand("DELETE NOTHING");
   EXPECT_EQ(control_.ProcessBatch(), VariantBool::kFalse);
   EXPECT_EQ(control_.ProcessBatch(), VariantBool::kTrue);  // the failed batch is gone
   EXPECT_EQ(host_->batches(),
@@ -203,7 +208,7 @@ TEST_F(Ulmora27Test, TheFilterAsksTheTypeFirstAndTheNameOnAMatch) {
     SafeArray types = before;
     int32_t number = 99;
     host_->ClearLog();
-    control_.GetFilteredSelection(names, types, number, c.flag);
+    GetFilteredSelection(names, types, number, c.flag);
     EXPECT_EQ(number, int32_t(c.names.size())) << c.flag;
     if (c.names.empty()) {
       EXPECT_EQ(names.UBound(), 2) << "untouched";
@@ -216,7 +221,7 @@ TEST_F(Ulmora27Test, TheFilterAsksTheTypeFirstAndTheNameOnAMatch) {
   host_->ClearLog();
   SafeArray names, types;
   int32_t number = 0;
-  control_.GetFilteredSelection(names, types, number, 8);
+  GetFilteredSelection(names, types, number, 8);
   EXPECT_EQ(Asked(), (std::vector<std::string>{"SELECTION.NUMBER", "SELECTION.TYPE[0]",
                                                "SELECTION.TYPE[1]", "SELECTION.TYPE[2]",
                                                "SELECTION.NAME[2]", "SELECTION.TYPE[3]"}));

@@ -2,8 +2,6 @@
 
 #include <atomic>
 
-#include "qorvel/platform/numbers.h"
-
 namespace qorvel {
 
 namespace {
@@ -12,13 +10,18 @@ std::atomic<Env*> installed{nullptr};
 
 Env& Env::Current() {
   if (Env* env = installed.load()) return *env;
-  static PortableEnv* const process_env = new PortableEnv;  // lives until the process ends
-  return *process_env;
+  return Default();
 }
 
 Env* Env::Install(Env* env) { return installed.exchange(env); }
 
-PortableEnv::PortableEnv() { SeedNumberSymbols(memory_registry_); }
-PortableEnv::~PortableEnv() = default;
+PortableEnv* PortableEnvOf(Env& env) {
+  for (Env* e = &env;;) {
+    if (auto* portable = dynamic_cast<PortableEnv*>(e)) return portable;
+    auto* wrapper = dynamic_cast<EnvWrapper*>(e);
+    if (wrapper == nullptr) return nullptr;
+    e = wrapper->target();
+  }
+}
 
 }  // namespace qorvel

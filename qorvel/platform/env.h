@@ -5,14 +5,15 @@
 #include "qorvel/platform/launcher.h"
 #include "qorvel/platform/memory_registry.h"
 #include "qorvel/platform/messages.h"
+#include "qorvel/platform/numbers.h"
 #include "qorvel/platform/registry.h"
 #include "qorvel/platform/running_objects.h"
 #include "qorvel/platform/thread_states.h"
 
 namespace qorvel {
 
-// The platform services the library reaches, and the state it keeps per thread. The portable
-// implementation holds everything in memory; a Win32 one stands beside it.
+// The platform services the library reaches, and the state it keeps per thread. Each platform
+// has its own Default(), in its own file; the portable environment below runs everywhere.
 class Env {
  public:
   virtual ~Env() = default;
@@ -22,44 +23,64 @@ class Env {
   virtual RunningObjects& running_objects() = 0;
   virtual Clipboard& clipboard() = 0;
   virtual ThreadStates& thread_states() = 0;
+  // The symbols of the user's regional settings now in force. Asked for once per number read or
+  // written, so an environment keeps them until the settings change.
+  virtual NumberSymbols number_symbols() = 0;
 
-  // The installed environment, or the process-wide portable one.
+  // The platform's environment for the whole process, made on first use.
+  static Env& Default();
+  // The installed environment, or Default().
   static Env& Current();
   // Installs `env` (nullptr: back to the default) and returns what was installed before.
   static Env* Install(Env* env);
 };
 
+// Passes every call on to another environment, so a wrapper overrides only what it changes.
+class EnvWrapper : public Env {
+ public:
+  explicit EnvWrapper(Env* target) : target_(target) {}
+  Env* target() const { return target_; }
+
+  Registry& registry() override { return target_->registry(); }
+  Messages& messages() override { return target_->messages(); }
+  Launcher& launcher() override { return target_->launcher(); }
+  RunningObjects& running_objects() override { return target_->running_objects(); }
+  Clipboard& clipboard() override { return target_->clipboard(); }
+  ThreadStates& thread_states() override { return target_->thread_states(); }
+  NumberSymbols number_symbols() override { return target_->number_symbols(); }
+
+ private:
+  Env* const target_;
+};
+
 // The portable platform: every service in memory, programs started in this process or as real
-// processes. Tests may put an observing wrapper in front of the registry or the launcher.
+// processes.
 class PortableEnv : public Env {
  public:
   PortableEnv();  // seeds the regional settings from the process locale
   ~PortableEnv() override;
 
-  Registry& registry() override { return *registry_; }
+  MemoryRegistry& registry() override { return registry_; }
   MessageLog& messages() override { return messages_; }
-  Launcher& launcher() override { return *launcher_; }
+  // Where in-process programs (the simulated hosts) are installed for it to start.
+  PortableLauncher& launcher() override { return launcher_; }
   MemoryRunningObjects& running_objects() override { return running_objects_; }
   MemoryClipboard& clipboard() override { return clipboard_; }
   ThreadStates& thread_states() override { return thread_states_; }
-
-  // Where in-process programs (the simulated hosts) are installed for the launcher to start.
-  PortableLauncher& programs() { return programs_; }
-
- protected:
-  void ObserveRegistry(Registry* wrapper) { registry_ = wrapper; }
-  void ObserveLauncher(Launcher* wrapper) { launcher_ = wrapper; }
+  NumberSymbols number_symbols() override;
 
  private:
-  MemoryRegistry memory_registry_;
+  MemoryRegistry registry_;
   MessageLog messages_;
-  PortableLauncher programs_;
+  PortableLauncher launcher_;
   MemoryRunningObjects running_objects_;
   MemoryClipboard clipboard_;
-  Registry* registry_ = &memory_registry_;
-  Launcher* launcher_ = &programs_;
   ThreadStates thread_states_;  // last, so the links let go of their hosts first
 };
+
+// The portable environment `env` is or wraps, for what only it has (the in-memory hive, the
+// in-process programs); nullptr when `env` is another platform's.
+PortableEnv* PortableEnvOf(Env& env);
 
 }  // namespace qorvel
 

@@ -27,72 +27,53 @@ class RecordingLauncher final : public Launcher {
   std::vector<Launch> launches_;
 };
 
-// For tests: a registry that counts the handles its readers open and close, and passes every
-// call on.
-class CountingRegistry final : public Registry {
+// For tests: a registry that counts the handles its readers open and close.
+class CountingRegistry final : public RegistryWrapper {
  public:
-  explicit CountingRegistry(Registry& target) : target_(target) {}
+  using RegistryWrapper::RegistryWrapper;
 
-  int32_t RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) override {
-    const int32_t status = target_.RegOpenKeyA(root, sub_key, result);
-    if (status == ERROR_SUCCESS) ++opens_;
+  int32_t RegOpenKeyA(RegKey root, std::string_view sub_key, RegKey* result) override {
+    const int32_t status = RegistryWrapper::RegOpenKeyA(root, sub_key, result);
+    if (status == reg_status::kSuccess) ++opens_;
     return status;
   }
-  int32_t RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t* reserved,
-                           uint32_t* type, uint8_t* data, uint32_t* size) override {
-    return target_.RegQueryValueExA(key, value_name, reserved, type, data, size);
-  }
-  int32_t RegCloseKey(HKEY key) override {
+  int32_t RegCloseKey(RegKey key) override {
     ++close_calls_;
-    const int32_t status = target_.RegCloseKey(key);
-    if (status == ERROR_SUCCESS && key < HKEY_CLASSES_ROOT) ++closes_;
+    const int32_t status = RegistryWrapper::RegCloseKey(key);
+    if (status == reg_status::kSuccess && key < root_key::kClassesRoot) ++closes_;
     return status;
   }
-  void SetValue(HKEY root, std::string_view key, std::string_view name, RegValue value) override {
-    target_.SetValue(root, key, name, std::move(value));
-  }
-  void CreateKey(HKEY root, std::string_view key) override { target_.CreateKey(root, key); }
-  void DeleteKey(HKEY root, std::string_view key) override { target_.DeleteKey(root, key); }
-  void DeleteValue(HKEY root, std::string_view key, std::string_view name) override {
-    target_.DeleteValue(root, key, name);
-  }
-  void Apply(const std::vector<RegOp>& ops) override { target_.Apply(ops); }
-  std::optional<RegValue> GetValue(HKEY root, std::string_view key,
-                                   std::string_view name) const override {
-    return target_.GetValue(root, key, name);
-  }
-  bool KeyExists(HKEY root, std::string_view key) const override {
-    return target_.KeyExists(root, key);
-  }
-  std::vector<std::string> KeysBelow(HKEY root, std::string_view key) const override {
-    return target_.KeysBelow(root, key);
-  }
-  uint64_t generation() const override { return target_.generation(); }
 
   // Handles opened and not closed yet; every RegCloseKey call, whatever it closed.
   int open_handles() const { return opens_ - closes_; }
   int close_calls() const { return close_calls_; }
 
  private:
-  Registry& target_;
   int opens_ = 0;
   int closes_ = 0;
   int close_calls_ = 0;
 };
 
-// The portable environment with its registry and launcher observed.
-class TestEnv final : public PortableEnv {
+// A fresh portable environment with its registry and launcher observed.
+class TestEnv final : public EnvWrapper {
  public:
-  TestEnv() {
-    ObserveRegistry(&registry_);
-    ObserveLauncher(&launcher_);
-  }
-  CountingRegistry& counted_registry() { return registry_; }
+  TestEnv() : EnvWrapper(&portable_) {}
+
+  CountingRegistry& registry() override { return registry_; }
+  RecordingLauncher& launcher() override { return launcher_; }
   const std::vector<RecordingLauncher::Launch>& launches() const { return launcher_.launches(); }
 
+  // What tests read back, as the portable environment holds it.
+  MessageLog& messages() override { return portable_.messages(); }
+  MemoryRunningObjects& running_objects() override { return portable_.running_objects(); }
+  MemoryClipboard& clipboard() override { return portable_.clipboard(); }
+  // The environment behind the observers; its registry() is the hive itself.
+  PortableEnv& portable() { return portable_; }
+
  private:
-  CountingRegistry registry_{PortableEnv::registry()};
-  RecordingLauncher launcher_{PortableEnv::launcher()};
+  PortableEnv portable_;
+  CountingRegistry registry_{portable_.registry()};
+  RecordingLauncher launcher_{portable_.launcher()};
 };
 
 // A fresh test environment installed for the life of a scope.

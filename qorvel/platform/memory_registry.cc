@@ -15,29 +15,30 @@ std::string Trimmed(std::string_view key) {
   return std::string(key);
 }
 
-bool IsRoot(HKEY key) {
-  return key == HKEY_CLASSES_ROOT || key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE ||
-         key == HKEY_USERS || key == HKEY_CURRENT_CONFIG;
+bool IsRoot(RegKey key) {
+  return key == root_key::kClassesRoot || key == root_key::kCurrentUser ||
+         key == root_key::kLocalMachine || key == root_key::kUsers ||
+         key == root_key::kCurrentConfig;
 }
 
-std::string RootPath(HKEY root) {
+std::string RootPath(RegKey root) {
   char text[16];
   std::snprintf(text, sizeof text, "%08X", root);
   return text;
 }
 
 // The long name of a root for paths shown to people; the stored form is the root's number.
-std::string RootName(HKEY root) {
+std::string RootName(RegKey root) {
   switch (root) {
-    case HKEY_CLASSES_ROOT:
+    case root_key::kClassesRoot:
       return "HKEY_CLASSES_ROOT";
-    case HKEY_CURRENT_USER:
+    case root_key::kCurrentUser:
       return "HKEY_CURRENT_USER";
-    case HKEY_LOCAL_MACHINE:
+    case root_key::kLocalMachine:
       return "HKEY_LOCAL_MACHINE";
-    case HKEY_USERS:
+    case root_key::kUsers:
       return "HKEY_USERS";
-    case HKEY_CURRENT_CONFIG:
+    case root_key::kCurrentConfig:
       return "HKEY_CURRENT_CONFIG";
   }
   return RootPath(root);
@@ -56,7 +57,7 @@ MemoryRegistry::MemoryRegistry() : generation_(NextGeneration()) {}
 void MemoryRegistry::Touch() { generation_.store(NextGeneration(), std::memory_order_release); }
 
 // A path below a root or below an open handle; empty when the base is neither.
-std::string MemoryRegistry::PathOf(HKEY root, std::string_view key) const {
+std::string MemoryRegistry::PathOf(RegKey root, std::string_view key) const {
   std::string base;
   if (IsRoot(root)) {
     base = RootPath(root);
@@ -86,77 +87,95 @@ void MemoryRegistry::DeleteTree(const std::string& path) {
   while (it != keys_.end() && it->first.starts_with(prefix)) it = keys_.erase(it);
 }
 
-int32_t MemoryRegistry::RegOpenKeyA(HKEY root, std::string_view sub_key, HKEY* result) {
-  if (result == nullptr) return ERROR_INVALID_PARAMETER;
+int32_t MemoryRegistry::RegOpenKeyA(RegKey root, std::string_view sub_key, RegKey* result) {
+  if (result == nullptr) return reg_status::kInvalidParameter;
   std::lock_guard lock(mu_);
   const std::string path = PathOf(root, sub_key);
-  if (path.empty()) return ERROR_INVALID_HANDLE;
-  if (path.find('\\') != std::string::npos && !keys_.contains(path)) return ERROR_FILE_NOT_FOUND;
-  const HKEY handle = next_handle_++;
+  if (path.empty()) return reg_status::kInvalidHandle;
+  if (path.find('\\') != std::string::npos && !keys_.contains(path))
+    return reg_status::kFileNotFound;
+  const RegKey handle = next_handle_++;
   handles_[handle] = path;
   *result = handle;
-  return ERROR_SUCCESS;
+  return reg_status::kSuccess;
 }
 
-int32_t MemoryRegistry::RegQueryValueExA(HKEY key, std::string_view value_name, uint32_t*,
+int32_t MemoryRegistry::RegQueryValueExA(RegKey key, std::string_view value_name, uint32_t*,
                                          uint32_t* type, uint8_t* data, uint32_t* size) {
   std::lock_guard lock(mu_);
   const std::string path = PathOf(key, "");  // an open handle, or a root itself
-  if (path.empty()) return ERROR_INVALID_HANDLE;
+  if (path.empty()) return reg_status::kInvalidHandle;
   auto k = keys_.find(path);
-  if (k == keys_.end()) return ERROR_FILE_NOT_FOUND;
+  if (k == keys_.end()) return reg_status::kFileNotFound;
   auto v = k->second.values.find(UpperCase(value_name));
-  if (v == k->second.values.end()) return ERROR_FILE_NOT_FOUND;
+  if (v == k->second.values.end()) return reg_status::kFileNotFound;
   const RegValue& value = v->second;
   if (type) *type = value.type;
   const auto needed = static_cast<uint32_t>(value.data.size());
   if (data == nullptr) {
     if (size) *size = needed;
-    return ERROR_SUCCESS;
+    return reg_status::kSuccess;
   }
-  if (size == nullptr) return ERROR_INVALID_PARAMETER;
+  if (size == nullptr) return reg_status::kInvalidParameter;
   if (needed > *size) {
     *size = needed;
-    return ERROR_MORE_DATA;
+    return reg_status::kMoreData;
   }
   std::copy(value.data.begin(), value.data.end(), data);
   *size = needed;
-  return ERROR_SUCCESS;
+  return reg_status::kSuccess;
 }
 
-int32_t MemoryRegistry::RegCloseKey(HKEY key) {
+int32_t MemoryRegistry::RegQueryInfoKeyA(RegKey key, uint32_t* sub_keys) {
   std::lock_guard lock(mu_);
-  if (IsRoot(key)) return ERROR_SUCCESS;  // the roots stay open
-  return handles_.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+  const std::string path = PathOf(key, "");
+  if (path.empty()) return reg_status::kInvalidHandle;
+  if (path.find('\\') != std::string::npos && !keys_.contains(path)) {
+    return reg_status::kFileNotFound;  // deleted while open
+  }
+  const std::string prefix = path + "\\";
+  uint32_t count = 0;
+  for (auto it = keys_.lower_bound(prefix); it != keys_.end() && it->first.starts_with(prefix);
+       ++it) {
+    if (it->first.find('\\', prefix.size()) == std::string::npos) ++count;
+  }
+  if (sub_keys) *sub_keys = count;
+  return reg_status::kSuccess;
 }
 
-void MemoryRegistry::SetValue(HKEY root, std::string_view key, std::string_view name,
+int32_t MemoryRegistry::RegCloseKey(RegKey key) {
+  std::lock_guard lock(mu_);
+  if (IsRoot(key)) return reg_status::kSuccess;  // the roots stay open
+  return handles_.erase(key) == 1 ? reg_status::kSuccess : reg_status::kInvalidHandle;
+}
+
+void MemoryRegistry::SetValue(RegKey root, std::string_view key, std::string_view name,
                               RegValue value) {
   std::lock_guard lock(mu_);
   MakeKey(PathOf(root, key)).values[UpperCase(name)] = std::move(value);
   Touch();
 }
 
-void MemoryRegistry::CreateKey(HKEY root, std::string_view key) {
+void MemoryRegistry::CreateKey(RegKey root, std::string_view key) {
   std::lock_guard lock(mu_);
   MakeKey(PathOf(root, key));
   Touch();
 }
 
-void MemoryRegistry::DeleteKey(HKEY root, std::string_view key) {
+void MemoryRegistry::DeleteKey(RegKey root, std::string_view key) {
   std::lock_guard lock(mu_);
   DeleteTree(PathOf(root, key));
   Touch();
 }
 
-void MemoryRegistry::DeleteValue(HKEY root, std::string_view key, std::string_view name) {
+void MemoryRegistry::DeleteValue(RegKey root, std::string_view key, std::string_view name) {
   std::lock_guard lock(mu_);
   if (auto k = keys_.find(PathOf(root, key)); k != keys_.end())
     k->second.values.erase(UpperCase(name));
   Touch();
 }
 
-std::optional<RegValue> MemoryRegistry::GetValue(HKEY root, std::string_view key,
+std::optional<RegValue> MemoryRegistry::GetValue(RegKey root, std::string_view key,
                                                  std::string_view name) const {
   std::lock_guard lock(mu_);
   auto k = keys_.find(PathOf(root, key));
@@ -166,19 +185,19 @@ std::optional<RegValue> MemoryRegistry::GetValue(HKEY root, std::string_view key
   return v->second;
 }
 
-bool MemoryRegistry::KeyExists(HKEY root, std::string_view key) const {
+bool MemoryRegistry::KeyExists(RegKey root, std::string_view key) const {
   std::lock_guard lock(mu_);
   return keys_.contains(PathOf(root, key));
 }
 
-std::vector<std::string> MemoryRegistry::KeysBelow(HKEY root, std::string_view key) const {
+std::vector<std::string> MemoryRegistry::KeysBelow(RegKey root, std::string_view key) const {
   std::lock_guard lock(mu_);
   const std::string path = PathOf(root, key);
   const std::string prefix = path + "\\";
   std::vector<std::string> out;
   for (auto it = keys_.lower_bound(prefix); it != keys_.end() && it->first.starts_with(prefix);
        ++it) {
-    const HKEY root_of_key = static_cast<HKEY>(std::stoul(it->first.substr(0, 8), nullptr, 16));
+    const RegKey root_of_key = static_cast<RegKey>(std::stoul(it->first.substr(0, 8), nullptr, 16));
     out.push_back(RootName(root_of_key) + it->first.substr(8));
   }
   return out;
@@ -204,6 +223,15 @@ void MemoryRegistry::Apply(const std::vector<RegOp>& ops) {
     }
   }
   Touch();
+}
+
+void MemoryRegistry::LoadRegFile(const std::string& path, size_t max_bytes) {
+  LoadRegText(ReadRegFile(path, max_bytes), path);
+}
+
+// The whole file is read before anything is applied, so a malformed one changes nothing.
+void MemoryRegistry::LoadRegText(std::string_view bytes, std::string_view source_name) {
+  Apply(ParseRegText(bytes, source_name));
 }
 
 }  // namespace qorvel

@@ -163,7 +163,8 @@ NumberReading ReadRadix(std::string_view text, NumberTarget target) {
 }
 
 std::string TextValue(const std::optional<RegValue>& value, const char* fallback) {
-  if (!value || (value->type != REG_SZ && value->type != REG_EXPAND_SZ)) return fallback;
+  if (!value || (value->type != reg_type::kString && value->type != reg_type::kExpandString))
+    return fallback;
   std::string text(value->data.begin(), value->data.end());
   while (!text.empty() && text.back() == '\0') text.pop_back();
   return text.empty() ? fallback : text;
@@ -338,21 +339,16 @@ double ReadNumberPrefix(std::string_view text) {
   return ToDouble(plain).value_or(0);
 }
 
-NumberSymbols CurrentNumberSymbols() {
-  // Asked for once per number, so the symbols are read again only when the registry changed.
-  thread_local uint64_t seen = 0;
-  thread_local NumberSymbols symbols;
-  const Registry& registry = Env::Current().registry();
-  const uint64_t now = registry.generation();
-  if (now != seen) {
-    symbols.decimal =
-        TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal"), ".");
-    symbols.thousand =
-        TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",");
-    symbols.currency =
-        TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency"), "$");
-    seen = now;
-  }
+NumberSymbols CurrentNumberSymbols() { return Env::Current().number_symbols(); }
+
+NumberSymbols ReadNumberSymbols(const Registry& registry) {
+  NumberSymbols symbols;
+  symbols.decimal =
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sDecimal"), ".");
+  symbols.thousand =
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sThousand"), ",");
+  symbols.currency =
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sCurrency"), "$");
   return symbols;
 }
 
@@ -386,15 +382,15 @@ void SeedNumberSymbols(Registry& registry) {
     // No usable process locale: keep the point, the comma and the dollar.
   }
   auto seed = [&registry](const char* name, const std::string& text) {
-    if (!registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, name)) {
-      registry.SetString(HKEY_CURRENT_USER, kInternationalKey, name, text);
+    if (!registry.GetValue(root_key::kCurrentUser, kInternationalKey, name)) {
+      registry.SetString(root_key::kCurrentUser, kInternationalKey, name, text);
     }
   };
   seed("sDecimal", locale.decimal);
   // The grouping symbol must differ from the decimal symbol in force, which the user may have
   // set apart from the locale.
   const std::string decimal =
-      TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal"), ".");
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sDecimal"), ".");
   seed("sThousand", !sep.empty() && sep != decimal ? sep : decimal == "," ? "." : ",");
   seed("sCurrency", locale.currency);
 }
@@ -443,14 +439,15 @@ void CheckGroupingSymbol(std::string_view symbol, std::string_view decimal) {
 
 void SetDecimalSymbol(Registry& registry, const std::string& symbol) {
   CheckDecimalSymbol(
-      symbol, TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency"), "$"));
+      symbol,
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sCurrency"), "$"));
   const std::string thousand =
-      TextValue(registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, "sThousand"), ",");
+      TextValue(registry.GetValue(root_key::kCurrentUser, kInternationalKey, "sThousand"), ",");
   if (thousand == symbol) {
-    registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand",
+    registry.SetString(root_key::kCurrentUser, kInternationalKey, "sThousand",
                        symbol == "," ? "." : ",");
   }
-  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sDecimal", symbol);
+  registry.SetString(root_key::kCurrentUser, kInternationalKey, "sDecimal", symbol);
 }
 
 }  // namespace qorvel

@@ -58,6 +58,9 @@ std::string FormatPattern(double value, std::string_view picture);
 // "sDecimal", "sThousand" and "sCurrency").
 inline constexpr const char* kInternationalKey = "Control Panel\\International";
 class Registry;
+// The symbols the regional settings in `registry` give; a point, a comma and a dollar where
+// they give none.
+NumberSymbols ReadNumberSymbols(const Registry& registry);
 // Writes the process locale's symbols into the registry where it has none yet.
 void SeedNumberSymbols(Registry& registry);
 // Raises error 5 unless `symbol` can be the decimal symbol beside the currency symbol

@@ -130,8 +130,8 @@ TEST(NumbersTest, NumberPrefixIgnoresTheRegion) {
 TEST(NumbersTest, RegionalSymbolsComeFromTheRegistry) {
   ScopedEnv scoped;
   Registry& registry = scoped.env().registry();
-  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", ",");
-  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sCurrency", "kr");
+  registry.SetString(root_key::kCurrentUser, kInternationalKey, "sThousand", ",");
+  registry.SetString(root_key::kCurrentUser, kInternationalKey, "sCurrency", "kr");
   SetDecimalSymbol(registry, ",");
   EXPECT_EQ(CurrentNumberSymbols().thousand, ".") << "the grouping symbol gives way";
   EXPECT_EQ(FormatGeneral(2.5), "2,5");
@@ -141,13 +141,13 @@ TEST(NumbersTest, RegionalSymbolsComeFromTheRegistry) {
   EXPECT_EQ(ReadNumberPrefix("2,5"), 2) << "the prefix reader keeps the point";
   SetDecimalSymbol(registry, ".");
   EXPECT_EQ(CurrentNumberSymbols().thousand, ",") << "and back";
-  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sThousand", "'");
+  registry.SetString(root_key::kCurrentUser, kInternationalKey, "sThousand", "'");
   SetDecimalSymbol(registry, ",");
   EXPECT_EQ(CurrentNumberSymbols().thousand, "'") << "one that doesn't clash stays";
 
-  registry.DeleteValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal");
-  registry.DeleteValue(HKEY_CURRENT_USER, kInternationalKey, "sCurrency");
-  registry.SetDword(HKEY_CURRENT_USER, kInternationalKey, "sThousand", 7);
+  registry.DeleteValue(root_key::kCurrentUser, kInternationalKey, "sDecimal");
+  registry.DeleteValue(root_key::kCurrentUser, kInternationalKey, "sCurrency");
+  registry.SetDword(root_key::kCurrentUser, kInternationalKey, "sThousand", 7);
   const NumberSymbols fallback = CurrentNumberSymbols();
   EXPECT_EQ(fallback.decimal, ".") << "no value: the point";
   EXPECT_EQ(fallback.thousand, ",") << "not text: the comma";
@@ -164,7 +164,7 @@ TEST(NumbersTest, DecimalSymbolsThatReadBackAreSet) {
       {"&", false}, {"E", false},  {"e", false},     {"$", false}, {"\x01", false}};
   for (const auto& [symbol, accepted] : cases) {
     ScopedEnv scoped;  // each at the same place, with the same number of writes
-    Registry& registry = scoped.env().registry();
+    MemoryRegistry& registry = scoped.env().portable().registry();
     const uint64_t before = registry.generation();
     EXPECT_EQ(ErrorOf([&] { SetDecimalSymbol(registry, symbol); }), accepted ? 0 : 5) << symbol;
     if (accepted) {
@@ -185,17 +185,17 @@ TEST(NumbersTest, DecimalSymbolsThatReadBackAreSet) {
 
 TEST(NumbersTest, SeedingKeepsWhatTheUserSet) {
   MemoryRegistry registry;
-  registry.SetString(HKEY_CURRENT_USER, kInternationalKey, "sDecimal", ",");
+  registry.SetString(root_key::kCurrentUser, kInternationalKey, "sDecimal", ",");
   SeedNumberSymbols(registry);
   auto value = [&](const char* name) {
-    return registry.GetValue(HKEY_CURRENT_USER, kInternationalKey, name).value_or(RegValue{});
+    return registry.GetValue(root_key::kCurrentUser, kInternationalKey, name).value_or(RegValue{});
   };
-  EXPECT_EQ(value("sDecimal"), (RegValue{REG_SZ, {',', 0}}));
+  EXPECT_EQ(value("sDecimal"), (RegValue{reg_type::kString, {',', 0}}));
   const RegValue thousand = value("sThousand");
-  EXPECT_EQ(thousand.type, REG_SZ);
+  EXPECT_EQ(thousand.type, reg_type::kString);
   ASSERT_EQ(thousand.data.size(), 2u) << "one symbol and its terminator";
   EXPECT_NE(thousand.data[0], ',') << "never the decimal symbol";
-  EXPECT_EQ(value("sCurrency").type, REG_SZ);
+  EXPECT_EQ(value("sCurrency").type, reg_type::kString);
   EXPECT_GT(value("sCurrency").data.size(), 1u) << "a symbol, the point's \"$\" if none";
 }
 

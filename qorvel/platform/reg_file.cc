@@ -71,7 +71,7 @@ class Parser {
   bool unicode_ = false;  // version 5 files hold text in hex(n) forms as UTF-16LE
   bool have_key_ = false;
   bool key_deleted_ = false;
-  HKEY root_ = 0;
+  RegKey root_ = 0;
   std::string key_;
   std::vector<RegOp> ops_;
 };
@@ -182,7 +182,7 @@ RegValue Parser::Data(std::string_view rest) {
   if (!rest.empty() && rest[0] == '"') {
     std::string text = QuotedText(rest);
     if (!TrimBlanks(rest).empty()) Fail("text after the closing quote");
-    RegValue v{REG_SZ, {text.begin(), text.end()}};
+    RegValue v{reg_type::kString, {text.begin(), text.end()}};
     v.data.push_back(0);
     return v;
   }
@@ -195,10 +195,10 @@ RegValue Parser::Data(std::string_view rest) {
       Fail("bad dword value \"" + std::string(digits) + "\"");
     }
     return RegValue{
-        REG_DWORD,
+        reg_type::kDword,
         {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24)}};
   }
-  if (rest.starts_with("hex:")) return RegValue{REG_BINARY, HexBytes(rest.substr(4))};
+  if (rest.starts_with("hex:")) return RegValue{reg_type::kBinary, HexBytes(rest.substr(4))};
   if (rest.starts_with("hex(")) {
     const size_t close = rest.find("):");
     uint32_t type = 0;
@@ -209,7 +209,8 @@ RegValue Parser::Data(std::string_view rest) {
       Fail("bad hex(n): type");
     }
     std::vector<uint8_t> bytes = HexBytes(rest.substr(close + 2));
-    const bool text = type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
+    const bool text = type == reg_type::kString || type == reg_type::kExpandString ||
+                      type == reg_type::kMultiString;
     if (text && unicode_) bytes = CodePageText(bytes);
     return RegValue{type, std::move(bytes)};
   }

@@ -10,6 +10,19 @@
 
 namespace qorvel {
 
+// The most a .reg file may hold. The editor's own files are far smaller; the cap keeps a device
+// or a pipe that never ends from filling memory.
+inline constexpr size_t kMaxRegFileBytes = size_t{256} << 20;
+
+// One change a .reg file asks for.
+struct RegOp {
+  enum Kind { kCreateKey, kDeleteKey, kSetValue, kDeleteValue } kind;
+  RegKey root;
+  std::string key;
+  std::string name;  // empty for the default value
+  RegValue value;
+};
+
 // Reads a whole .reg file ("REGEDIT4" or "Windows Registry Editor Version 5.00"; UTF-8, or
 // UTF-16LE with its byte-order mark) into the changes it asks for. A malformed file raises
 // error 5 naming the source and the line, so nothing of it is applied; text in another encoding

@@ -54,30 +54,30 @@ TEST(RegFileTest, LoadsEveryValueForm) {
   // Version 4 keeps hex text as its bytes; a UTF-8 mark is allowed, and a comment ending in a
   // backslash goes on no further. A deleted key takes its tree, not the keys that sort inside it.
   for (const char* key : {"SOFTWARE\\Test\\Gone\\Deep", "SOFTWARE\\Test\\Gone2"}) {
-    registry.SetString(HKEY_LOCAL_MACHINE, key, "drop", "1");
+    registry.SetString(root_key::kLocalMachine, key, "drop", "1");
   }
   registry.LoadRegText(
       "\xEF\xBB\xBFREGEDIT4\n[-HKLM\\SOFTWARE\\Test\\Gone]\n[HKLM\\SOFTWARE\\Test\\Gone2]\n"
       "\"DROP\"=-\n[HKLM\\SOFTWARE\\Test]\n; a comment \\\n\"E4\"=hex(2):25,41,25,00\n"
       "\"A4\"=hex:01,\\\n\t  02,\\\n  03\n\"B4\" = dword:00000001\n",
       "4.reg");
-  EXPECT_FALSE(registry.KeyExists(HKEY_LOCAL_MACHINE, "software\\test\\gone"));
-  EXPECT_FALSE(registry.KeyExists(HKEY_LOCAL_MACHINE, "SOFTWARE\\Test\\Gone\\Deep"));
-  EXPECT_TRUE(registry.KeyExists(HKEY_LOCAL_MACHINE, "SOFTWARE\\Test\\Gone2"));
-  EXPECT_FALSE(registry.GetValue(HKEY_LOCAL_MACHINE, "SOFTWARE\\Test\\Gone2", "drop"));
+  EXPECT_FALSE(registry.KeyExists(root_key::kLocalMachine, "software\\test\\gone"));
+  EXPECT_FALSE(registry.KeyExists(root_key::kLocalMachine, "SOFTWARE\\Test\\Gone\\Deep"));
+  EXPECT_TRUE(registry.KeyExists(root_key::kLocalMachine, "SOFTWARE\\Test\\Gone2"));
+  EXPECT_FALSE(registry.GetValue(root_key::kLocalMachine, "SOFTWARE\\Test\\Gone2", "drop"));
   // Text reaches the byte-level calls as UTF-8, hex text of version 5 files included.
   // clang-format off
   const std::pair<const char*, RegValue> cases[] = {
-      {"", Value(REG_SZ, {"d\xC3\xA9\0", 4})},
-      {"Text", Value(REG_SZ, {"a \"quoted\" C:\\path\0", 19})},
-      {"Dword", {REG_DWORD, {0x3c, 0x0a, 0, 0}}},      {"Binary", {REG_BINARY, {1, 2, 0xff}}},
-      {"Expand", Value(REG_EXPAND_SZ, {"%A%\0", 4})},  {"E4", Value(REG_EXPAND_SZ, {"%A%\0", 4})},
-      {"Multi", Value(REG_MULTI_SZ, {"a\0\xC3\xA9\0\0", 6})},
-      {"Qword", {REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}}}, {"Empty", {REG_BINARY, {}}},
-      {"A4", {REG_BINARY, {1, 2, 3}}},                  {"B4", {REG_DWORD, {1, 0, 0, 0}}}};
+      {"", Value(reg_type::kString, {"d\xC3\xA9\0", 4})},
+      {"Text", Value(reg_type::kString, {"a \"quoted\" C:\\path\0", 19})},
+      {"Dword", {reg_type::kDword, {0x3c, 0x0a, 0, 0}}},      {"Binary", {reg_type::kBinary, {1, 2, 0xff}}},
+      {"Expand", Value(reg_type::kExpandString, {"%A%\0", 4})},  {"E4", Value(reg_type::kExpandString, {"%A%\0", 4})},
+      {"Multi", Value(reg_type::kMultiString, {"a\0\xC3\xA9\0\0", 6})},
+      {"Qword", {reg_type::kQword, {1, 0, 0, 0, 0, 0, 0, 0}}}, {"Empty", {reg_type::kBinary, {}}},
+      {"A4", {reg_type::kBinary, {1, 2, 3}}},                  {"B4", {reg_type::kDword, {1, 0, 0, 0}}}};
   // clang-format on
   for (const auto& [name, value] : cases) {
-    EXPECT_EQ(registry.GetValue(HKEY_LOCAL_MACHINE, kKey, name), value) << name;
+    EXPECT_EQ(registry.GetValue(root_key::kLocalMachine, kKey, name), value) << name;
   }
 }
 
@@ -118,11 +118,12 @@ TEST(RegFileTest, RefusesMalformedTextWhole) {
   // clang-format on
   for (const auto& [text, message] : cases) {
     MemoryRegistry registry;
-    registry.SetString(HKEY_CURRENT_USER, "Keep", "v", "old");
+    registry.SetString(root_key::kCurrentUser, "Keep", "v", "old");
     const std::string refusal = Refusal([&] { registry.LoadRegText(text, "m.reg"); });
     EXPECT_EQ(refusal.rfind("m.reg: " + std::string(message), 0), 0u) << refusal;
-    EXPECT_FALSE(registry.KeyExists(HKEY_LOCAL_MACHINE, "X")) << "half-loaded: " << text;
-    EXPECT_EQ(registry.GetValue(HKEY_CURRENT_USER, "Keep", "v"), Value(REG_SZ, {"old\0", 4}));
+    EXPECT_FALSE(registry.KeyExists(root_key::kLocalMachine, "X")) << "half-loaded: " << text;
+    EXPECT_EQ(registry.GetValue(root_key::kCurrentUser, "Keep", "v"),
+              Value(reg_type::kString, {"old\0", 4}));
   }
 }
 
@@ -158,7 +159,8 @@ TEST(RegFileTest, RefusesFilesThatCantBeRegistryFiles) {
     const std::string refusal = Refusal([&] { registry.LoadRegFile(path, limit); }, number);
     if (writer.joinable()) writer.join();
     EXPECT_EQ(refusal.rfind(message, 0), 0u) << path << ": " << refusal;
-    EXPECT_EQ(registry.GetValue(HKEY_CLASSES_ROOT, ".TXT", "").has_value(), number == 0) << path;
+    EXPECT_EQ(registry.GetValue(root_key::kClassesRoot, ".TXT", "").has_value(), number == 0)
+        << path;
   }
   std::remove(reg.c_str());
   std::remove(fifo.c_str());

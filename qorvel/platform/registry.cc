@@ -1,48 +1,38 @@
 #include "qorvel/platform/registry.h"
 
-#include "qorvel/platform/error.h"
-#include "qorvel/platform/reg_file.h"
 #include "qorvel/platform/text.h"
 
 namespace qorvel {
 
-std::optional<HKEY> RootKeyByName(std::string_view name) {
+std::optional<RegKey> RootKeyByName(std::string_view name) {
   const std::string upper = UpperCase(name);
-  const std::pair<const char*, HKEY> roots[] = {{"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-                                                {"HKCR", HKEY_CLASSES_ROOT},
-                                                {"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-                                                {"HKCU", HKEY_CURRENT_USER},
-                                                {"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-                                                {"HKLM", HKEY_LOCAL_MACHINE},
-                                                {"HKEY_USERS", HKEY_USERS},
-                                                {"HKU", HKEY_USERS},
-                                                {"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
-                                                {"HKCC", HKEY_CURRENT_CONFIG}};
+  const std::pair<const char*, RegKey> roots[] = {{"HKEY_CLASSES_ROOT", root_key::kClassesRoot},
+                                                  {"HKCR", root_key::kClassesRoot},
+                                                  {"HKEY_CURRENT_USER", root_key::kCurrentUser},
+                                                  {"HKCU", root_key::kCurrentUser},
+                                                  {"HKEY_LOCAL_MACHINE", root_key::kLocalMachine},
+                                                  {"HKLM", root_key::kLocalMachine},
+                                                  {"HKEY_USERS", root_key::kUsers},
+                                                  {"HKU", root_key::kUsers},
+                                                  {"HKEY_CURRENT_CONFIG", root_key::kCurrentConfig},
+                                                  {"HKCC", root_key::kCurrentConfig}};
   for (const auto& [text, key] : roots) {
     if (upper == text) return key;
   }
   return std::nullopt;
 }
 
-void Registry::SetString(HKEY root, std::string_view key, std::string_view name,
+void Registry::SetString(RegKey root, std::string_view key, std::string_view name,
                          std::string_view text) {
-  RegValue value{REG_SZ, {text.begin(), text.end()}};
+  RegValue value{reg_type::kString, {text.begin(), text.end()}};
   value.data.push_back(0);
   SetValue(root, key, name, std::move(value));
 }
 
-void Registry::SetDword(HKEY root, std::string_view key, std::string_view name, uint32_t v) {
+void Registry::SetDword(RegKey root, std::string_view key, std::string_view name, uint32_t v) {
   SetValue(root, key, name,
-           RegValue{REG_DWORD, {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}});
-}
-
-void Registry::LoadRegFile(const std::string& path, size_t max_bytes) {
-  LoadRegText(ReadRegFile(path, max_bytes), path);
-}
-
-// The whole file is read before anything is applied, so a malformed one changes nothing.
-void Registry::LoadRegText(std::string_view bytes, std::string_view source_name) {
-  Apply(ParseRegText(bytes, source_name));
+           RegValue{reg_type::kDword,
+                    {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}});
 }
 
 }  // namespace qorvel

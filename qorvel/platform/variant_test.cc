@@ -32,7 +32,7 @@ class VariantTest : public testing::Test {
  protected:
   void SetUp() override {
     SetDecimalSymbol(env_.env().registry(), ".");
-    env_.env().registry().SetString(HKEY_CURRENT_USER, kInternationalKey, "sCurrency", "$");
+    env_.env().registry().SetString(root_key::kCurrentUser, kInternationalKey, "sCurrency", "$");
   }
   ScopedEnv env_;
 };

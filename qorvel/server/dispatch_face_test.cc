@@ -166,6 +166,22 @@ TEST_F(DispatchFaceTest, ABindingThatDoesntFitItsRowIsRefused) {
   EXPECT_EQ(refused({R::Get<&Zebrin::Busy>("version")}), 5);            // another result
   EXPECT_EQ(refused({R::Put<&Zebrin::SetWindowState>("Visible")}), 5);  // another type
   EXPECT_EQ(ErrorOf([] { BindingTable<Zebrin> table("Nothing", {}); }), 5);
+  // A by-reference row on a member that takes its argument by value would lose what the member
+  // leaves there, and the reverse writes where nobody reads: both are refused, naming the row.
+  const auto refusal = [](std::vector<Binding<Zebrin>> rows) {
+    try {
+      BindingTable<Zebrin> table("Zebrin", {rows});
+    } catch (const Error& e) {
+      return std::to_string(e.number()) + " " + e.description();
+    }
+    return std::string("bound");
+  };
+  EXPECT_EQ(refusal({R::Method<&Zebrin::SetWindowState>("Connect")}),
+            "5 _Zebrin.Connect: ConnectionStatus is passed by reference but the member takes it "
+            "by value");
+  EXPECT_EQ(refusal({R::Put<&Zebrin::Connect>("WindowState")}),
+            "5 _Zebrin.WindowState: NewState is passed by value but the member takes it by "
+            "reference");
 }
 
 // A class whose member runs out of memory; bound to a row of _Zebrin.
@@ -287,7 +303,7 @@ TEST_F(HostControlLifeTest, DestroyedWithoutAHostDoesNothingVisible) {
   zebrin.reset();
   EXPECT_TRUE(env_.env().messages().shown().empty());
   EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kOk);
 }
 
 }  // namespace

@@ -20,10 +20,10 @@ constexpr const char* kLibraryFlagControl = "2";
 std::atomic<int> locks{0};
 
 void Set(const std::string& key, const std::string& name, const std::string& text) {
-  Env::Current().registry().SetString(HKEY_CLASSES_ROOT, key, name, text);
+  Env::Current().registry().SetString(root_key::kClassesRoot, key, name, text);
 }
 
-void RegisterClass(const TypeLibrary& lib, const ClassInfo& c) {
+void RegisterClassKeys(const TypeLibrary& lib, const ClassInfo& c) {
   const std::string clsid = ToString(c.guid);
   const std::string key = "CLSID\\" + clsid;
   const std::string prog_id = lib.name + "." + c.name;
@@ -34,7 +34,7 @@ void RegisterClass(const TypeLibrary& lib, const ClassInfo& c) {
   Set(key + "\\TypeLib", "", ToString(lib.guid));
   Set(key + "\\Version", "", "1.0");
   if (c.control) {
-    Env::Current().registry().CreateKey(HKEY_CLASSES_ROOT, key + "\\Control");
+    Env::Current().registry().CreateKey(root_key::kClassesRoot, key + "\\Control");
     Set(key + "\\ToolboxBitmap32", "",
         std::string(kServerFile) + ", " + std::to_string(c.toolbox_bitmap));
     Set(key + "\\MiscStatus", "", "0");
@@ -47,15 +47,16 @@ void RegisterClass(const TypeLibrary& lib, const ClassInfo& c) {
 // Removes a parent key that registering may have made, once nothing is left in it.
 void DropIfEmpty(const std::string& key) {
   Registry& registry = Env::Current().registry();
-  HKEY handle = 0;
-  if (registry.RegOpenKeyA(HKEY_CLASSES_ROOT, key, &handle) != ERROR_SUCCESS) return;
+  RegKey handle = 0;
+  if (registry.RegOpenKeyA(root_key::kClassesRoot, key, &handle) != reg_status::kSuccess) return;
   uint32_t size = 0;
-  const bool has_default =
-      registry.RegQueryValueExA(handle, "", nullptr, nullptr, nullptr, &size) == ERROR_SUCCESS;
+  uint32_t sub_keys = 0;
+  const bool has_default = registry.RegQueryValueExA(handle, "", nullptr, nullptr, nullptr,
+                                                     &size) == reg_status::kSuccess;
+  const bool has_keys =
+      registry.RegQueryInfoKeyA(handle, &sub_keys) != reg_status::kSuccess || sub_keys > 0;
   registry.RegCloseKey(handle);
-  if (!has_default && registry.KeysBelow(HKEY_CLASSES_ROOT, key).empty()) {
-    registry.DeleteKey(HKEY_CLASSES_ROOT, key);
-  }
+  if (!has_default && !has_keys) registry.DeleteKey(root_key::kClassesRoot, key);
 }
 
 }  // namespace
@@ -67,7 +68,7 @@ int32_t DllRegisterServer() try {
   Set(lib_key + "\\0\\win32", "", kServerFile);
   Set(lib_key + "\\FLAGS", "", kLibraryFlagControl);
   Set(lib_key + "\\HELPDIR", "", "");
-  for (const ClassInfo& c : lib.classes) RegisterClass(lib, c);
+  for (const ClassInfo& c : lib.classes) RegisterClassKeys(lib, c);
   for (const InterfaceInfo& i : lib.interfaces) {
     const std::string key = "Interface\\" + ToString(i.guid);
     Set(key, "", i.name);
@@ -77,43 +78,45 @@ int32_t DllRegisterServer() try {
     Set(key + "\\TypeLib", "", ToString(lib.guid));
     Set(key + "\\TypeLib", "Version", "1.0");
   }
-  return S_OK;
+  return hresult::kOk;
 } catch (const Error&) {
-  return SELFREG_E_CLASS;
+  return hresult::kSelfRegClass;
 }
 
 int32_t DllUnregisterServer() try {
   const TypeLibrary& lib = TheTypeLibrary();
   Registry& registry = Env::Current().registry();
   const std::string lib_key = "TypeLib\\" + ToString(lib.guid);
-  registry.DeleteKey(HKEY_CLASSES_ROOT, lib_key + "\\1.0");
+  registry.DeleteKey(root_key::kClassesRoot, lib_key + "\\1.0");
   DropIfEmpty(lib_key);  // other versions of the library stay
   for (const ClassInfo& c : lib.classes) {
-    registry.DeleteKey(HKEY_CLASSES_ROOT, "CLSID\\" + ToString(c.guid));
-    registry.DeleteKey(HKEY_CLASSES_ROOT, lib.name + "." + c.name);
+    registry.DeleteKey(root_key::kClassesRoot, "CLSID\\" + ToString(c.guid));
+    registry.DeleteKey(root_key::kClassesRoot, lib.name + "." + c.name);
   }
   for (const InterfaceInfo& i : lib.interfaces) {
-    registry.DeleteKey(HKEY_CLASSES_ROOT, "Interface\\" + ToString(i.guid));
+    registry.DeleteKey(root_key::kClassesRoot, "Interface\\" + ToString(i.guid));
   }
   for (const char* parent : {"TypeLib", "CLSID", "Interface"}) DropIfEmpty(parent);
-  return S_OK;
+  return hresult::kOk;
 } catch (const Error&) {
-  return SELFREG_E_CLASS;
+  return hresult::kSelfRegClass;
 }
 
 int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory) {
   for (const ClassInfo& c : TheTypeLibrary().classes) {
     if (c.guid == clsid) {
       const ClassFactory found = FactoryOf(c.name);
-      if (!found) return CLASS_E_CLASSNOTAVAILABLE;
+      if (!found) return hresult::kClassNotAvailable;
       if (factory) *factory = found;
-      return S_OK;
+      return hresult::kOk;
     }
   }
-  return CLASS_E_CLASSNOTAVAILABLE;
+  return hresult::kClassNotAvailable;
 }
 
-int32_t DllCanUnloadNow() { return LiveObjects() == 0 && locks == 0 ? S_OK : S_FALSE; }
+int32_t DllCanUnloadNow() {
+  return LiveObjects() == 0 && locks == 0 ? hresult::kOk : hresult::kFalse;
+}
 
 // An unlock without a lock is ignored, so it can't keep the library loaded for ever.
 void LockServer(bool lock) {
@@ -129,8 +132,9 @@ namespace {
 // The default value of a key as text; empty when it isn't there or isn't text.
 std::string ClassesRootText(const std::string& key) {
   const std::optional<RegValue> value =
-      Env::Current().registry().GetValue(HKEY_CLASSES_ROOT, key, "");
-  if (!value || (value->type != REG_SZ && value->type != REG_EXPAND_SZ)) return "";
+      Env::Current().registry().GetValue(root_key::kClassesRoot, key, "");
+  if (!value || (value->type != reg_type::kString && value->type != reg_type::kExpandString))
+    return "";
   std::string text(value->data.begin(), value->data.end());
   return text.substr(0, text.find('\0'));
 }
@@ -143,7 +147,8 @@ AutomationObject CreateObject(std::string_view prog_id) {
   }
   for (const ClassInfo& c : TheTypeLibrary().classes) {
     ClassFactory factory = nullptr;
-    if (EqualsNoCase(ToString(c.guid), clsid) && DllGetClassObject(c.guid, &factory) == S_OK) {
+    if (EqualsNoCase(ToString(c.guid), clsid) &&
+        DllGetClassObject(c.guid, &factory) == hresult::kOk) {
       return factory();
     }
   }

@@ -10,22 +10,26 @@
 
 namespace qorvel {
 
-inline constexpr int32_t S_OK = 0;
-inline constexpr int32_t S_FALSE = 1;
-inline constexpr int32_t CLASS_E_CLASSNOTAVAILABLE = static_cast<int32_t>(0x80040111);
-inline constexpr int32_t SELFREG_E_CLASS = static_cast<int32_t>(0x80040201);
+// The results of the server calls. The numbers are the platform's HRESULTs, so the Windows face
+// returns them as they are.
+namespace hresult {
+inline constexpr int32_t kOk = 0;
+inline constexpr int32_t kFalse = 1;
+inline constexpr int32_t kClassNotAvailable = static_cast<int32_t>(0x80040111);
+inline constexpr int32_t kSelfRegClass = static_cast<int32_t>(0x80040201);  // a refused write
+}  // namespace hresult
 
 // The in-process server protocol, on the platform registry. Registering writes the type
 // library, the seven classes (programmatic names "QorvelOLE.<class>", apartment-threaded) and
 // the interfaces under HKEY_CLASSES_ROOT; unregistering removes exactly that, and the parent
-// keys CLSID, Interface and TypeLib when nothing else is left in them. SELFREG_E_CLASS when the
-// registry refuses a write.
+// keys CLSID, Interface and TypeLib when nothing else is left in them. hresult::kSelfRegClass when
+// the registry refuses a write.
 int32_t DllRegisterServer();
 int32_t DllUnregisterServer();
-// The factory of a class identifier of the library; CLASS_E_CLASSNOTAVAILABLE for another one
+// The factory of a class identifier of the library; hresult::kClassNotAvailable for another one
 // or for a class that isn't built yet.
 int32_t DllGetClassObject(const Guid& clsid, ClassFactory* factory);
-// S_OK when no object of the library and no lock is left, S_FALSE otherwise.
+// hresult::kOk when no object of the library and no lock is left, hresult::kFalse otherwise.
 int32_t DllCanUnloadNow();
 // The class factories' LockServer: a lock keeps the library loaded until it is released.
 void LockServer(bool lock);

@@ -12,7 +12,7 @@ namespace qorvel {
 namespace {
 
 std::string Text(const std::string& key, const std::string& name = "") {
-  auto value = Env::Current().registry().GetValue(HKEY_CLASSES_ROOT, key, name);
+  auto value = Env::Current().registry().GetValue(root_key::kClassesRoot, key, name);
   return value ? std::string(value->data.begin(), value->data.end() - 1) : "<none>";
 }
 
@@ -20,7 +20,7 @@ const ClassInfo& ClassNamed(std::string_view name) { return *TheTypeLibrary().Fi
 
 TEST(RegistrationTest, WritesTheClassesAndTheirProgrammaticNames) {
   ScopedEnv env;
-  EXPECT_EQ(DllRegisterServer(), S_OK);
+  EXPECT_EQ(DllRegisterServer(), hresult::kOk);
   const TypeLibrary& lib = TheTypeLibrary();
   const std::string libid = ToString(lib.guid);
   for (const ClassInfo& c : lib.classes) {
@@ -34,8 +34,11 @@ TEST(RegistrationTest, WritesTheClassesAndTheirProgrammaticNames) {
     EXPECT_EQ(Text(key + "\\InprocServer32", "ThreadingModel"), "Apartment");
     EXPECT_EQ(Text(key + "\\TypeLib"), libid);
     EXPECT_EQ(Text(key + "\\Version"), "1.0");
-    EXPECT_EQ(env.env().registry().KeyExists(HKEY_CLASSES_ROOT, key + "\\Control"), c.control);
-    EXPECT_EQ(env.env().registry().KeyExists(HKEY_CLASSES_ROOT, key + "\\MiscStatus"), c.control);
+    EXPECT_EQ(env.env().portable().registry().KeyExists(root_key::kClassesRoot, key + "\\Control"),
+              c.control);
+    EXPECT_EQ(
+        env.env().portable().registry().KeyExists(root_key::kClassesRoot, key + "\\MiscStatus"),
+        c.control);
   }
   struct {
     const char* name;
@@ -89,16 +92,17 @@ TEST(RegistrationTest, UnregisterRemovesExactlyWhatWasWritten) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ScopedEnv env;
-    Registry& registry = env.env().registry();
-    for (const auto& [key, value] : c.keys) registry.SetString(HKEY_CLASSES_ROOT, key, "", value);
-    const auto before = registry.KeysBelow(HKEY_CLASSES_ROOT, "");
-    EXPECT_EQ(DllRegisterServer(), S_OK);
-    EXPECT_GT(registry.KeysBelow(HKEY_CLASSES_ROOT, "").size(), before.size() + 50);
-    EXPECT_EQ(DllUnregisterServer(), S_OK);
-    EXPECT_EQ(registry.KeysBelow(HKEY_CLASSES_ROOT, ""), before);
+    MemoryRegistry& registry = env.env().portable().registry();
+    for (const auto& [key, value] : c.keys)
+      registry.SetString(root_key::kClassesRoot, key, "", value);
+    const auto before = registry.KeysBelow(root_key::kClassesRoot, "");
+    EXPECT_EQ(DllRegisterServer(), hresult::kOk);
+    EXPECT_GT(registry.KeysBelow(root_key::kClassesRoot, "").size(), before.size() + 50);
+    EXPECT_EQ(DllUnregisterServer(), hresult::kOk);
+    EXPECT_EQ(registry.KeysBelow(root_key::kClassesRoot, ""), before);
     for (const auto& [key, value] : c.keys) EXPECT_EQ(Text(key), value);
-    EXPECT_EQ(DllUnregisterServer(), S_OK);  // twice changes nothing more
-    EXPECT_EQ(registry.KeysBelow(HKEY_CLASSES_ROOT, ""), before);
+    EXPECT_EQ(DllUnregisterServer(), hresult::kOk);  // twice changes nothing more
+    EXPECT_EQ(registry.KeysBelow(root_key::kClassesRoot, ""), before);
   }
 }
 
@@ -111,7 +115,7 @@ TEST(RegistrationTest, CreatableOnlyWhileRegistered) {
   EXPECT_NE(CreateObject("QorvelOLE.UlmoraSurfaceInfo"), nullptr);  // all seven are built
   // A ProgID whose class has lost its server entry is no longer creatable.
   const std::string clsid = ToString(ClassNamed("Zebrin").guid);
-  env.env().registry().DeleteKey(HKEY_CLASSES_ROOT, "CLSID\\" + clsid + "\\InprocServer32");
+  env.env().registry().DeleteKey(root_key::kClassesRoot, "CLSID\\" + clsid + "\\InprocServer32");
   EXPECT_EQ(ErrorOf([] { CreateObject("QorvelOLE.Zebrin"); }), 429);
   DllRegisterServer();
   DllUnregisterServer();
@@ -121,27 +125,27 @@ TEST(RegistrationTest, CreatableOnlyWhileRegistered) {
 TEST(RegistrationTest, ClassObjectsAndUnloading) {
   ScopedEnv env;
   ClassFactory factory;
-  EXPECT_EQ(DllGetClassObject(ClassNamed("UlmoraNearestPoints").guid, &factory), S_OK);
-  EXPECT_EQ(DllGetClassObject(ClassNamed("Zebrin").guid, &factory), S_OK);
-  EXPECT_EQ(DllGetClassObject(Guid{1, 2, 3, {4}}, &factory), CLASS_E_CLASSNOTAVAILABLE);
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  EXPECT_EQ(DllGetClassObject(ClassNamed("UlmoraNearestPoints").guid, &factory), hresult::kOk);
+  EXPECT_EQ(DllGetClassObject(ClassNamed("Zebrin").guid, &factory), hresult::kOk);
+  EXPECT_EQ(DllGetClassObject(Guid{1, 2, 3, {4}}, &factory), hresult::kClassNotAvailable);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kOk);
   {
     AutomationObject first = factory();
     AutomationObject second = factory();
     first.reset();
-    EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
+    EXPECT_EQ(DllCanUnloadNow(), hresult::kFalse);
   }
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kOk);
   LockServer(true);
   LockServer(true);
   LockServer(false);
-  EXPECT_EQ(DllCanUnloadNow(), S_FALSE);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kFalse);
   LockServer(false);
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kOk);
   LockServer(false);  // an unlock too many doesn't hold the library later
   LockServer(true);
   LockServer(false);
-  EXPECT_EQ(DllCanUnloadNow(), S_OK);
+  EXPECT_EQ(DllCanUnloadNow(), hresult::kOk);
 }
 
 }  // namespace

@@ -4,7 +4,7 @@ namespace qorvel {
 
 // A control that counts as connected binds nothing, whatever the argument says; its probe only
 // finds out whether the host is still there.
-void Zebrin::Connect(int32_t ConnectionStatus) {
+void Zebrin::Connect(int32_t& ConnectionStatus) {
   if (ConnectedFlag == VariantBool::kFalse) {
     if (ConnectionStatus == 1) {
       Link().StartAndConnect();

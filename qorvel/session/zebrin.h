@@ -13,8 +13,9 @@ class Zebrin : public HostSession {
  public:
   Zebrin() : HostSession(Host::kZebrin) {}
 
-  // ZebrinConnectType: 1 starts the host through the registry, any other value binds only.
-  void Connect(int32_t ConnectionStatus = 0);
+  // ZebrinConnectType: 1 starts the host through the registry, any other value binds only. The
+  // client's variable is only read.
+  void Connect(int32_t& ConnectionStatus);
   std::string ExecuteEx(const std::string& command) { return Link().HostExecuteEx(command); }
   void ExitZebrin() { ExitHost(); }
   void SetInformationWindow(VariantBool onoff);

@@ -16,9 +16,11 @@ using hosts::SimZebrin;
 class ZebrinTest : public ::testing::Test {
  protected:
   void SetUp() override { zebrin_.Initialize(); }
+  // Connect takes the client's variable; a client that leaves it out passes 0.
+  void Connect(int32_t status = 0) { zebrin_.Connect(status); }
   std::shared_ptr<SimZebrin> ConnectedHost() {
     auto host = hosts::RunZebrin();
-    zebrin_.Connect();
+    Connect();
     host->ClearLog();
     return host;
   }
@@ -44,7 +46,7 @@ TEST_F(ZebrinTest, WithAnEmptyLinkEveryMemberFailsQuietly) {
   zebrin_.SetWindowState(2);
   zebrin_.ExitZebrin();
   zebrin_.Disconnect();
-  zebrin_.Connect();
+  Connect();
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
   EXPECT_EQ(ErrorOf([&] { zebrin_.SetVisible(VariantBool::kTrue); }), 91);  // only this raises
 }
@@ -52,12 +54,12 @@ TEST_F(ZebrinTest, WithAnEmptyLinkEveryMemberFailsQuietly) {
 TEST_F(ZebrinTest, ConnectWithAnyValueButOneBindsOnly) {
   hosts::InstallSimulatedHosts();
   for (int32_t status : {0, 2, -1}) {
-    zebrin_.Connect(status);
+    Connect(status);
     EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse) << status;
   }
   EXPECT_TRUE(env_.env().launches().empty());
   EXPECT_TRUE(env_.env().messages().shown().empty());
-  zebrin_.Connect(1);
+  Connect(1);
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kTrue);
   EXPECT_EQ(zebrin_.version(), SimZebrin::kDefaultVersion);
   EXPECT_EQ(env_.env().launches().size(), 1u);
@@ -68,17 +70,17 @@ TEST_F(ZebrinTest, ConnectWhileConnectedNeverRebinds) {
   auto first = ConnectedHost();
   first->GoAway();
   auto second = hosts::RunZebrin();
-  zebrin_.Connect(1);  // the flag was still true: only the probe runs
+  Connect(1);  // the flag was still true: only the probe runs
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kFalse);
   EXPECT_TRUE(env_.env().launches().empty());
-  zebrin_.Connect();
+  Connect();
   EXPECT_EQ(zebrin_.Connected(), VariantBool::kTrue);
   EXPECT_EQ(HostLink::Of(Host::kZebrin).object(), second);
 }
 
 TEST_F(ZebrinTest, VersionsThatCountAsNotConnected) {
   auto host = hosts::RunZebrin();
-  zebrin_.Connect();
+  Connect();
   // clang-format off
   const std::pair<Variant, int16_t> cases[] = {
       {Variant(int32_t{0}), 0},  {Variant(int32_t{70000}), 0},     {Variant("junk"), 0},
@@ -169,7 +171,7 @@ TEST_F(ZebrinTest, InstancesOnOneThreadShareTheLink) {
   auto host = hosts::RunZebrin();
   Zebrin second;
   second.Initialize();
-  zebrin_.Connect();
+  Connect();
   EXPECT_EQ(second.Connected(), VariantBool::kTrue);  // bound by the first
   second.Terminate();
   EXPECT_TRUE(HostLink::Of(Host::kZebrin).empty());

@@ -9,9 +9,10 @@ class PointClass {
   double X() const { return x_; }
   double Y() const { return y_; }
   double Z() const { return z_; }
-  void SetX(double XCoord) { x_ = XCoord; }
-  void SetY(double YCoord) { y_ = YCoord; }
-  void SetZ(double ZCoord) { z_ = ZCoord; }
+  // The writes take the client's variable, as the class publishes them, and only read it.
+  void SetX(double& XCoord) { x_ = XCoord; }
+  void SetY(double& YCoord) { y_ = YCoord; }
+  void SetZ(double& ZCoord) { z_ = ZCoord; }
 
  private:
   double x_ = 0;

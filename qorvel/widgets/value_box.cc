@@ -54,7 +54,7 @@ void ValueBox::Sited(ControlShell& shell, ClassObject& face) {
   text1_->set_events(this);
 }
 
-void ValueBox::set_value(double New_value) {
+void ValueBox::set_value(double& New_value) {
   CurrentValue = New_value;
   Changed("Value");
   {
@@ -70,7 +70,7 @@ void ValueBox::set_value(double New_value) {
   if (face_ != nullptr) face_->RaiseEvent(kValueChanged, {});
 }
 
-void ValueBox::SetValue(double New_value) {
+void ValueBox::SetValue(double& New_value) {
   {
     Rewriting rewriting(*this);
     text1_->SetText(FormatGeneral(New_value));
@@ -110,7 +110,7 @@ void ValueBox::SetReadonly(VariantBool New_ReadOnly) {
 // key filter. An empty symbol could match no key, so it counts as missing.
 void ValueBox::Initialize() {
   ReformatText = true;
-  DecimalSymbol = ReadRegistryValue(HKEY_CURRENT_USER, kInternationalKey, "sDecimal");
+  DecimalSymbol = ReadRegistryValue(root_key::kCurrentUser, kInternationalKey, "sDecimal");
   if (DecimalSymbol == kNotFound || DecimalSymbol.empty()) DecimalSymbol = ".";
   ApplyReadOnly(ReadOnlyFlag);
 }
@@ -186,7 +186,7 @@ void ValueBox::Text1_KeyPress(int16_t& KeyAscii) {
 // Errors are held back: text that is no number counts as 0, and nothing here stops the user.
 void ValueBox::Text1_Change() {
   if (Updating) return;
-  const double d = ParseNumber(text1_->Text()).value_or(0);
+  double d = ParseNumber(text1_->Text()).value_or(0);  // set_value takes a variable
   if (d != CurrentValue) HoldBack([&] { set_value(d); });
   if (PrefixZero) HoldBack([&] { PutZeroInFront(); });
 }

@@ -36,10 +36,11 @@ class ValueBox final : public TextBoxEvents {
   // The number; reading it never looks at the text.
   double value() const { return CurrentValue; }
   // The user-visible write: shows the number, unless a decimal symbol or minus was just typed,
-  // and raises ValueChanged, also for the number it held.
-  void set_value(double New_value);
+  // and raises ValueChanged, also for the number it held. Both writes take the client's
+  // variable and only read it.
+  void set_value(double& New_value);
   // The silent write: shows the number and raises nothing.
-  void SetValue(double New_value);
+  void SetValue(double& New_value);
   // The number with exactly DecimalPlaces decimals (none for a negative count).
   std::string TextValue() const;
   // The design-time properties: written at any time, read only in a designer (393 at run time).

@@ -96,7 +96,8 @@ void TypeTheEdgeTable(const std::string& symbol, const std::function<Box()>& sit
   for (const Typing& row : kEdgeTable) {
     Box box = site();
     TextBox& text1 = *box->Text1;
-    box->object().SetValue(row.value);
+    double value = row.value;  // SetValue takes the client's variable
+    box->object().SetValue(value);
     text1.SetText(InRegion(row.text, symbol));
     text1.SetSelStart(row.caret == kEnd ? CharacterCount(text1.Text()) : row.caret);
     text1.SetSelLength(row.selected);
@@ -148,7 +149,8 @@ TEST_F(ValueBoxTest, TextThatIsNoNumberCountsAsZero) {
                {0, "\x16", "abc", 0}};
   for (const auto& c : cases) {
     Box box = Site();
-    if (c.value != 0) box->object().SetValue(c.value);
+    double value = c.value;
+    if (value != 0) box->object().SetValue(value);
     box->Text1->GotFocus();  // selects it all
     for (const char* k = c.keys; *k != '\0'; ++k) box->Text1->TypeKey(*k);
     box->Text1->LostFocus();
