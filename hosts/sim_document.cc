@@ -5,6 +5,7 @@
 
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/safe_array.h"
+#include "qorvel/platform/text.h"
 
 namespace qorvel::hosts {
 namespace {
@@ -84,10 +85,23 @@ void SimDocument::set_echo_nearest(bool echo) {
   echo_nearest_ = echo;
 }
 
+void SimDocument::ScriptArgument(const std::string& member, int position, Variant value) {
+  if (position < 1) Raise(err::kInvalidCall, "Argument positions count from 1");
+  std::lock_guard lock(mu_);
+  scripted_.push_back({UpperCase(member), size_t(position - 1), std::move(value)});
+}
+
 void SimDocument::ClearOwnFaults() {
   SimObject::ClearOwnFaults();
   failing_status_ = 0;
   echo_nearest_ = false;
+  scripted_.clear();
+}
+
+void SimDocument::WriteScripted(const char* member, std::span<Variant> args) {
+  for (const Scripted& s : scripted_) {
+    if (s.member == member && s.index < args.size()) args[s.index].Assign(s.value);
+  }
 }
 
 // The counts go back through their references whenever the surface is there; the arrays only
@@ -107,6 +121,7 @@ Variant SimDocument::GetSurfacePointData(std::span<Variant> args) {
     for (int i = 0; i < kSurfaceArrays; ++i) args[kFirstArray + i].Assign(Variant(arrays[i]));
   }
   args[23].Assign(status);
+  WriteScripted("GETSURFACEPOINTDATA", args);
   return {};
 }
 
@@ -120,6 +135,7 @@ Variant SimDocument::SetSurfacePointData(std::span<Variant> args) {
     status = surfaces_.Write(args[0].ToText(), args[2].ToInteger(), args[4].ToInteger(), arrays);
   }
   args[23].Assign(status);
+  WriteScripted("SETSURFACEPOINTDATA", args);
   return {};
 }
 
@@ -136,9 +152,11 @@ Variant SimDocument::GetNearestPoint(std::span<Variant> args) {
     Raise(err::kInvalidCall,
           "getnearestpoint: " + std::to_string(count) + " points don't fit the arrays given");
   }
-  if (echo_nearest_) return {};
-  surfaces_.Nearest(args[0].ToText(), points.Doubles(), count, answer.MutableDoubles());
-  args[3].Assign(Variant(std::move(answer)));
+  if (!echo_nearest_) {
+    surfaces_.Nearest(args[0].ToText(), points.Doubles(), count, answer.MutableDoubles());
+    args[3].Assign(Variant(std::move(answer)));
+  }
+  WriteScripted("GETNEARESTPOINT", args);
   return {};
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "hosts/sim_object.h"
 #include "hosts/sim_surfaces.h"
@@ -25,6 +26,12 @@ class SimDocument : public SimObject {
   void FailDataCalls(int32_t status);
   // getnearestpoint leaves its answer as it came: only the client's part of the work is timed.
   void set_echo_nearest(bool echo);
+  // For tests that play a host answering otherwise: once its own work is done, every later call
+  // of `member` ("GetSurfacePointData", "SetSurfacePointData" or "getnearestpoint", any case)
+  // writes `value` through its by-reference argument at `position` (1-based, in the member's
+  // order), as that reference takes a write: a VARIANT holds whatever comes, a typed one
+  // converts. ClearFaults drops these.
+  void ScriptArgument(const std::string& member, int position, Variant value);
 
  protected:
   const SimMembers& members() const override;
@@ -34,10 +41,17 @@ class SimDocument : public SimObject {
   Variant GetSurfacePointData(std::span<Variant> args);
   Variant SetSurfacePointData(std::span<Variant> args);
   Variant GetNearestPoint(std::span<Variant> args);
+  void WriteScripted(const char* member, std::span<Variant> args);
 
   SimSurfaces& surfaces_;  // the host's, which outlives every call that reaches here
   int32_t failing_status_ = 0;
   bool echo_nearest_ = false;
+  struct Scripted {
+    std::string member;  // upper-cased
+    size_t index;
+    Variant value;
+  };
+  std::vector<Scripted> scripted_;  // in the order given
 };
 
 }  // namespace qorvel::hosts

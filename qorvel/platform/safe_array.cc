@@ -1,8 +1,11 @@
 #include "qorvel/platform/safe_array.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
+#include <new>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -10,6 +13,44 @@
 #include "qorvel/platform/error.h"
 
 namespace qorvel {
+namespace {
+
+// Storage for numbers that comes zeroed from calloc, its new elements left as they came: a
+// large array then costs no pass over its memory before its first use, and the system's fresh
+// pages stay untouched until written. Memory the vector reuses within its capacity holds old
+// values, so Resize zeroes what it adds there.
+template <class T>
+struct ZeroedAllocator {
+  static_assert(std::is_arithmetic_v<T>, "all-zero bytes must be the value 0");
+  using value_type = T;
+
+  ZeroedAllocator() = default;
+  template <class U>
+  ZeroedAllocator(const ZeroedAllocator<U>&) {}
+
+  T* allocate(size_t n) {
+    void* p = std::calloc(n, sizeof(T));
+    if (p == nullptr) throw std::bad_alloc();
+    return static_cast<T*>(p);
+  }
+  void deallocate(T* p, size_t) noexcept { std::free(p); }
+  template <class U>
+  void construct(U*) noexcept {}  // value-initialised: calloc's zeros
+  template <class U, class... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+  template <class U>
+  bool operator==(const ZeroedAllocator<U>&) const {
+    return true;
+  }
+};
+
+template <class T>
+using Items =
+    std::conditional_t<std::is_arithmetic_v<T>, std::vector<T, ZeroedAllocator<T>>, std::vector<T>>;
+
+}  // namespace
 
 struct SafeArray::Storage {
   Storage() = default;
@@ -25,8 +66,7 @@ struct SafeArray::Storage {
   std::vector<Bound> bounds;
   // One typed vector, first subscript fastest; Integer and VariantBool elements share the
   // 16-bit form.
-  std::variant<std::vector<Variant>, std::vector<double>, std::vector<int16_t>,
-               std::vector<int32_t>, std::vector<std::string>>
+  std::variant<Items<Variant>, Items<double>, Items<int16_t>, Items<int32_t>, Items<std::string>>
       items;
 };
 
@@ -62,22 +102,32 @@ int64_t ElementCount(const std::vector<Bound>& bounds, int64_t element_bytes) {
   return total;
 }
 
-template <class Items>
-void Resize(Items& items, int64_t count) {
-  std::visit([count](auto& v) { v.resize(static_cast<size_t>(count)); }, items);
+template <class Variants>
+void Resize(Variants& items, int64_t count) {
+  std::visit(
+      [count](auto& v) {
+        const size_t old = v.size(), wanted = static_cast<size_t>(count);
+        const bool in_place = wanted <= v.capacity();
+        v.resize(wanted);
+        using T = typename std::decay_t<decltype(v)>::value_type;
+        if constexpr (std::is_arithmetic_v<T>) {
+          if (in_place && wanted > old) std::fill(v.begin() + old, v.end(), T{});
+        }
+      },
+      items);
 }
 
 Variant ElementAt(const auto& storage, int64_t offset) {
   const auto& items = storage.items;
   switch (storage.element) {
     case VarType::kDouble:
-      return std::get<std::vector<double>>(items)[offset];
+      return std::get<Items<double>>(items)[offset];
     case VarType::kBool:
-      return MakeVariantBool(std::get<std::vector<int16_t>>(items)[offset]);
+      return MakeVariantBool(std::get<Items<int16_t>>(items)[offset]);
     case VarType::kInteger:
-      return std::get<std::vector<int16_t>>(items)[offset];
+      return std::get<Items<int16_t>>(items)[offset];
     case VarType::kLong:
-      return std::get<std::vector<int32_t>>(items)[offset];
+      return std::get<Items<int32_t>>(items)[offset];
     case VarType::kText:
       return std::get<std::vector<std::string>>(items)[offset];
     default:
@@ -92,14 +142,14 @@ SafeArray::Storage::Storage(VarType element, std::vector<Bound> bounds) : elemen
     case VarType::kVariant:
       break;
     case VarType::kDouble:
-      items = std::vector<double>();
+      items = Items<double>();
       break;
     case VarType::kBool:
     case VarType::kInteger:
-      items = std::vector<int16_t>();
+      items = Items<int16_t>();
       break;
     case VarType::kLong:
-      items = std::vector<int32_t>();
+      items = Items<int32_t>();
       break;
     case VarType::kText:
       items = std::vector<std::string>();
@@ -244,12 +294,12 @@ void SafeArray::PutAt(int64_t offset, const Variant& value) {
 template <class T>
 void SafeArray::Store(int64_t offset, T value) {
   Unshare();
-  std::get<std::vector<T>>(data_->items)[offset] = std::move(value);
+  std::get<Items<T>>(data_->items)[offset] = std::move(value);
 }
 
 double SafeArray::GetDouble(int32_t subscript) const {
   if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
-  return std::get<std::vector<double>>(storage().items)[Offset({&subscript, 1})];
+  return std::get<Items<double>>(storage().items)[Offset({&subscript, 1})];
 }
 
 void SafeArray::PutDouble(int32_t subscript, double value) {
@@ -259,13 +309,13 @@ void SafeArray::PutDouble(int32_t subscript, double value) {
 
 std::span<const double> SafeArray::Doubles() const {
   if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
-  return std::get<std::vector<double>>(storage().items);
+  return std::get<Items<double>>(storage().items);
 }
 
 std::span<double> SafeArray::MutableDoubles() {
   if (element_type() != VarType::kDouble) Raise(err::kTypeMismatch);
   Unshare();
-  return std::get<std::vector<double>>(data_->items);
+  return std::get<Items<double>>(data_->items);
 }
 
 // Copy on write: the first write through a shared array gives it storage of its own.

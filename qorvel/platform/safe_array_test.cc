@@ -180,6 +180,8 @@ TEST_F(SafeArrayTest, PreserveKeepsElementsAndChangesOnlyTheLastCount) {
   EXPECT_EQ(Values(grid), "11 21 12 22 13 23 0 0 ");
   grid.Redim({{1, 2}, {1, 2}}, true);
   EXPECT_EQ(Values(grid), "11 21 12 22 ");
+  grid.Redim({{1, 2}, {1, 4}}, true);  // grown again in the memory it had: zeros, not 13 23
+  EXPECT_EQ(Values(grid), "11 21 12 22 0 0 0 0 ");
   const std::vector<std::vector<Bound>> refused = {
       {{1, 3}, {1, 3}}, {{0, 2}, {1, 3}}, {{1, 2}, {0, 3}}, {{1, 6}}, {},
   };

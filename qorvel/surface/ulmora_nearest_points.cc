@@ -71,16 +71,29 @@ bool UlmoraNearestPoints::IsHostReady() {
   return GetMember(ApplicationRef, "version").ToDouble() > 0;
 }
 
-// Inputs of Double are read whole; any other array element by element, converted, so one of
-// another shape fails with the platform's own error.
+// Inputs of Double are read whole, in one pass over the points when all three are; any other
+// array element by element, converted, so one of another shape fails with the platform's own
+// error.
 SafeArray UlmoraNearestPoints::FlatPoints(const SafeArray& x, const SafeArray& y,
                                           const SafeArray& z, int32_t lower, int32_t count) {
   SafeArray flat(VarType::kDouble, {{0, CheckedLong(int64_t{count} * 3 + 1)}});
   const std::span<double> out = flat.MutableDoubles();
   const SafeArray* inputs[] = {&x, &y, &z};
+  const auto whole = [](const SafeArray* in) {
+    return in->dims() == 1 && in->element_type() == VarType::kDouble;
+  };
+  if (std::ranges::all_of(inputs, whole)) {
+    const double *xs = x.Doubles().data(), *ys = y.Doubles().data(), *zs = z.Doubles().data();
+    for (size_t k = 0; k < size_t(count); ++k) {
+      out[3 * k] = xs[k];
+      out[3 * k + 1] = ys[k];
+      out[3 * k + 2] = zs[k];
+    }
+    return flat;
+  }
   for (size_t c = 0; c < 3; ++c) {
     const SafeArray& in = *inputs[c];
-    if (in.dims() == 1 && in.element_type() == VarType::kDouble) {
+    if (whole(&in)) {
       const std::span<const double> values = in.Doubles();
       for (int32_t k = 0; k < count; ++k) out[3 * size_t(k) + c] = values[size_t(k)];
     } else {
@@ -101,10 +114,13 @@ void UlmoraNearestPoints::ReadAnswer(const SafeArray& answer, int32_t lower, int
                        return o->element_type() == VarType::kDouble;
                      });
   if (whole) {
-    const std::span<const double> values = answer.Doubles();
-    for (size_t c = 0; c < 3; ++c) {
-      const std::span<double> out = outputs[c]->MutableDoubles();
-      for (int32_t k = 0; k < count; ++k) out[size_t(k)] = values[3 * size_t(k) + c];
+    const double* values = answer.Doubles().data();
+    double *xs = outputs[0]->MutableDoubles().data(), *ys = outputs[1]->MutableDoubles().data(),
+           *zs = outputs[2]->MutableDoubles().data();
+    for (size_t k = 0; k < size_t(count); ++k) {
+      xs[k] = values[3 * k];
+      ys[k] = values[3 * k + 1];
+      zs[k] = values[3 * k + 2];
     }
     return;
   }

@@ -119,6 +119,34 @@ TEST_F(UlmoraNearestPointsTest, OneCallCarriesAllPoints) {
   EXPECT_EQ(host_->log().back().args[2].ToArray().size(), 4);  // 3N + 1
 }
 
+// An answer that comes back short, or with an element that isn't a number, fails at the first
+// element concerned: the outputs keep what came before it and 0 after.
+TEST_F(UlmoraNearestPointsTest, AnOddAnswerFailsAtTheFirstElementConcerned) {
+  SafeArray mixed(VarType::kVariant, {{0, 7}});
+  mixed.Put({0}, 1.5);
+  mixed.Put({1}, int32_t{2});
+  mixed.Put({2}, 3.5);
+  mixed.Put({3}, Variant::Null());
+  struct Case {
+    Variant answer;
+    int32_t error;
+    std::vector<double> x, y, z;
+  } cases[] = {
+      {Doubles(0, {7, 8, 9, 10}), 9, {7, 10}, {8, 0}, {9, 0}},
+      {mixed, 94, {1.5, 0}, {2, 0}, {3.5, 0}},
+      {Variant("no array"), 13, {0, 0}, {0, 0}, {0, 0}},
+  };
+  for (const Case& c : cases) {
+    host_->document()->ClearFaults();
+    host_->document()->ScriptArgument("getnearestpoint", 4, c.answer);
+    EXPECT_EQ(Project("Floor", Doubles(1, {1, 2}), Doubles(1, {1, 2}), Doubles(1, {0, 0})),
+              c.error);
+    EXPECT_EQ(Values(out[0]), c.x);
+    EXPECT_EQ(Values(out[1]), c.y);
+    EXPECT_EQ(Values(out[2]), c.z);
+  }
+}
+
 TEST_F(UlmoraNearestPointsTest, ProjectionsFollowTheGeometry) {
   // Off a cylinder: radially onto it; on it: to itself.
   EXPECT_EQ(Project("Drum", Doubles(0, {9, 0, 3}), Doubles(0, {0, 2, 4}), Doubles(0, {4, 7, 5})),
