@@ -73,8 +73,8 @@ void BM_GetFilteredSelection(benchmark::State& state) {
   SelectionSession session(count);
   for (auto _ : state) {
     SafeArray names, types;
-    int32_t number = 0;
-    session.control.GetFilteredSelection(names, types, number, kLines);
+    int32_t number = 0, filter = kLines;
+    session.control.GetFilteredSelection(names, types, number, filter);
     if (number != count) std::abort();
     state.PauseTiming();
     session.host->ClearLog();
