@@ -1,6 +1,7 @@
 #include "qorvel/platform/text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace qorvel {
 
@@ -28,12 +29,30 @@ bool EqualsNoCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), SameNoCase);
 }
 
+// Candidates are found with memchr, once for each case of the word's first letter, and each
+// of the two is sought again only once passed: a long reply with no such letter costs two
+// scans of memory, not a comparison at every byte.
 size_t FindNoCase(std::string_view text, std::string_view word, size_t from) {
-  if (from > text.size()) return std::string_view::npos;
-  const auto hit =
-      std::search(text.begin() + from, text.end(), word.begin(), word.end(), SameNoCase);
-  return hit == text.end() && !word.empty() ? std::string_view::npos
-                                            : static_cast<size_t>(hit - text.begin());
+  constexpr size_t npos = std::string_view::npos;
+  if (from > text.size()) return npos;
+  if (word.empty()) return from;
+  if (word.size() > text.size()) return npos;
+  const size_t last = text.size() - word.size();  // the last place a hit can start
+  const char cases[2] = {UpperChar(word[0]), LowerChar(word[0])};
+  auto next = [&](char c, size_t at) -> size_t {
+    if (at > last) return npos;
+    const void* hit = std::memchr(text.data() + at, c, last - at + 1);
+    return hit == nullptr ? npos : static_cast<size_t>(static_cast<const char*>(hit) - text.data());
+  };
+  size_t upper = next(cases[0], from);
+  size_t lower = cases[1] == cases[0] ? npos : next(cases[1], from);
+  while (upper != npos || lower != npos) {
+    const size_t at = std::min(upper, lower);
+    if (std::equal(word.begin() + 1, word.end(), text.begin() + at + 1, SameNoCase)) return at;
+    if (at == upper) upper = next(cases[0], at + 1);
+    if (at == lower) lower = next(cases[1], at + 1);
+  }
+  return npos;
 }
 
 std::string_view TrimBlanks(std::string_view text) {
