@@ -198,6 +198,19 @@ TEST_F(UlmoraSurfaceInfoTest, CountsMustMakeAnArray) {
   }
 }
 
+// The store takes the host's arrays with the host's bounds; one that disagrees with the
+// counts gives the subscript error, never a read outside it.
+TEST_F(UlmoraSurfaceInfoTest, TheStoreTakesTheHostsBounds) {
+  SafeArray points(VarType::kDouble, {{0, 4}, {1, 3}, {1, 3}});
+  points.Put({0, 1, 1}, 42.0);
+  host_->document()->ScriptArgument("GetSurfacePointData", 7, points);
+  EXPECT_EQ(GetSurface("Patch"), VariantBool::kTrue);
+  EXPECT_EQ(Store().Points.LBound(1), 0);
+  EXPECT_EQ(Run("GetPoint", 3, 1), (std::vector<double>{0, 0, 0}));
+  EXPECT_EQ(ErrorOf([&] { Run("GetPoint", 4, 1); }), 9);  // within the counts, not the array
+  EXPECT_EQ(ErrorOf([&] { Run("GetUVECBefore", 4, 1, {0, 0, 0, 0}); }), 0);  // that one fits
+}
+
 TEST_F(UlmoraSurfaceInfoTest, OneStoreAThreadSharedByItsControls) {
   AutomationObject second = NewControl<UlmoraSurfaceInfo>();
   Call(second, "Reset");  // a bind forgets the counts of the thread, so it comes first
