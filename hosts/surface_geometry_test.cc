@@ -152,29 +152,6 @@ TEST(SurfaceGeometryTest, PointsOffARoundSurfaceProjectRadially) {
   }
 }
 
-TEST(SurfaceGeometryTest, WritesToTheGridMoveTheNearestPoints) {
-  SurfaceGrid grid = PlaneGrid({0, 0, 0}, {4, 0, 0}, {0, 4, 0}, 5, 5);
-  LazySurfaceIndex index;
-  index.Reset(grid.view());
-  const size_t middle = 2 + 5 * 2, n = 25;
-  EXPECT_NEAR(index.Nearest({2, 2, 1}).distance, 1, 1e-12);
-
-  grid.points[middle + 2 * n] = 0.25;  // raise point (3, 3)
-  index.Invalidate();
-  Projection p = index.Nearest({2, 2, 1});
-  EXPECT_NEAR(p.distance, 0.75, 1e-9);
-  EXPECT_NEAR(p.lat_param(), 3, 1e-9);
-  EXPECT_NEAR(p.lon_param(), 3, 1e-9);
-
-  const Projection before = index.Nearest({2.5, 2, 1});
-  grid.u_after.vector[middle] = 0.6;  // tilt its U after tangent upwards
-  grid.u_after.vector[middle + 2 * n] = 0.8;
-  index.Invalidate();
-  p = index.Nearest({2.5, 2, 1});
-  EXPECT_GT(p.point.z, before.point.z + 0.01);
-  EXPECT_LT(p.distance, before.distance - 0.01);
-}
-
 // Tangents far longer than their cell, or pointing back, fold a patch over itself: the nearest
 // point is still the nearest of a dense sample.
 TEST(SurfaceGeometryTest, FoldedPatchesGiveTheirNearestPoint) {
