@@ -1,11 +1,5 @@
 -- Event handlers that misbehave, connect from a coroutine, or name their own control.
-local function check(got, want, what)
-  if got ~= want then error(("%s: got %s, want %s"):format(what, tostring(got), tostring(want)), 2) end
-end
-local function fails(number, f)
-  local ok, err = pcall(f)
-  check(not ok and err.number, number, "error number")
-end
+local check, fails = dofile(arg[0]:match("^(.*/)") .. "lib/check.lua")
 local function collected(make)
   local weak = setmetatable({}, {__mode = "v"})
   make(weak)

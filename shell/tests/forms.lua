@@ -1,11 +1,5 @@
 -- Forms, text boxes, event handlers and the clipboard as a script uses them.
-local function check(got, want, what)
-  if got ~= want then error(("%s: got %s, want %s"):format(what, tostring(got), tostring(want)), 2) end
-end
-local function fails(number, f)
-  local ok, err = pcall(f)
-  check(not ok and err.number, number, "error number")
-end
+local check, fails = dofile(arg[0]:match("^(.*/)") .. "lib/check.lua")
 
 Regional.SetDecimal(".")
 local form = Form()

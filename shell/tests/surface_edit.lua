@@ -1,7 +1,5 @@
 -- A whole surface edit and a projection, as a script drives them.
-local function check(got, want, what)
-  if got ~= want then error(("%s: got %s, want %s"):format(what, tostring(got), tostring(want)), 2) end
-end
+local check = dofile(arg[0]:match("^(.*/)") .. "lib/check.lua")
 local function near(got, want, what) check(math.abs(got - want) < 1e-6, true, what .. " " .. got) end
 
 local u = Sim.RunUlmora()

@@ -1,7 +1,5 @@
 -- Texts with zero bytes go both ways whole.
-local function check(got, want, what)
-  if got ~= want then error(("%s: got %q, want %q"):format(what, tostring(got), tostring(want)), 2) end
-end
+local check = dofile(arg[0]:match("^(.*/)") .. "lib/check.lua")
 
 Clipboard.SetText("a\0b")
 check(Clipboard.GetText(), "a\0b", "clipboard")
