@@ -36,8 +36,8 @@ bool IsArrayParam(const ParamInfo& p) {
 
 // An array the client hasn't dimensioned yet: an Empty variable, or an array with no bounds.
 // The member gets one of the parameter's own element type to resize, as a typed variable of
-// the client's language would hold; a dimensioned array of another element type (a script's
-// array of Variant) is converted to it, and goes back converted to the caller's.
+// the client's language would hold. A dimensioned one comes as it is, so an input the member
+// only reads goes back unchanged.
 bool IsUndimensionedArray(const ParamInfo& p, const Variant& arg) {
   if (!IsArrayParam(p)) return false;
   if (arg.is_empty()) return true;
@@ -107,8 +107,6 @@ std::vector<Variant> ClassObject::Prepare(const MemberInfo& member, std::span<Va
       prepared.push_back(DefaultOf(p));
     } else if (IsUndimensionedArray(p, args[i])) {
       prepared.push_back(SafeArray(AutomationType(p.type), {}));
-    } else if (IsArrayParam(p) && args[i].is_array()) {
-      prepared.push_back(args[i].ToArray().ConvertedTo(AutomationType(p.type)));
     } else if (DispatchType(p) == VarType::kVariant) {
       prepared.push_back(args[i].Deref());
     } else {

@@ -20,6 +20,14 @@ int32_t CheckedLong(int64_t n) {
   return static_cast<int32_t>(n);
 }
 
+// Resized with nothing kept: 0.0 in every element, an output of Variant elements too (which a
+// resize alone would leave Empty).
+void Zeroed(SafeArray& out, int32_t lower, int32_t count) {
+  out.Redim({{lower, count}}, false);
+  if (out.element_type() == VarType::kDouble) return;
+  for (int64_t k = 0; k < count; ++k) out.Put({static_cast<int32_t>(lower + k)}, 0.0);
+}
+
 }  // namespace
 
 void UlmoraNearestPoints::GetNearestPoints(std::string& SurfaceName, SafeArray& InputX,
@@ -33,7 +41,7 @@ void UlmoraNearestPoints::GetNearestPoints(std::string& SurfaceName, SafeArray& 
   const int32_t n = CheckedLong(int64_t{upper} + 1 - lower);
   if (lower < 0 || upper < 0) Raise(err::kInputsBadBounds);
   if (n < 1) Raise(err::kSubscript);  // no array runs from 1 to 0
-  for (SafeArray* out : {&OutputX, &OutputY, &OutputZ}) out->Redim({{lower, n}}, false);
+  for (SafeArray* out : {&OutputX, &OutputY, &OutputZ}) Zeroed(*out, lower, n);
 
   BindApplication();
   if (!IsHostReady()) Raise(err::kNearestNotConnected);

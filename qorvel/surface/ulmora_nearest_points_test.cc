@@ -79,6 +79,9 @@ TEST_F(UlmoraNearestPointsTest, ChecksComeInOrderAndTheOutputsAreResizedFirst) {
   EXPECT_EQ(Project("Gone", p, p, p), 60004);
   EXPECT_EQ(Values(out[0]), (std::vector<double>{0, 0}));  // resized to 1..2, zeroed
   EXPECT_EQ(out[1].LBound(), 1);
+  out[2] = SafeArray(VarType::kVariant, {{0, 1}});  // Variant elements hold 0.0 too, not Empty
+  EXPECT_EQ(Project("Gone", p, p, p), 60004);
+  EXPECT_EQ(out[2].Get({2}).vt(), 5);
   host_->CloseModel();
   EXPECT_EQ(Project("Floor", p, p, p), 60003);
   host_->GoAway();
