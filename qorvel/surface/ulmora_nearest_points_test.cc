@@ -82,6 +82,7 @@ TEST_F(UlmoraNearestPointsTest, ChecksComeInOrderAndTheOutputsAreResizedFirst) {
   out[2] = SafeArray(VarType::kVariant, {{0, 1}});  // Variant elements hold 0.0 too, not Empty
   EXPECT_EQ(Project("Gone", p, p, p), 60004);
   EXPECT_EQ(out[2].Get({2}).vt(), 5);
+  out[2] = Doubles(0, {9});
   host_->CloseModel();
   EXPECT_EQ(Project("Floor", p, p, p), 60003);
   host_->GoAway();
