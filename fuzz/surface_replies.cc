@@ -3,14 +3,14 @@
 // what GetSurfacePointData writes back (counts, world flag, status, and the 17 arrays in any
 // type, shape and bounds), and the answer getnearestpoint leaves (any array or value). The
 // client's point arrays are of any type and bounds, and the host may vanish at any call.
-// Input: the grid the host holds; the call at which it vanishes; the Evaluate replies; the data
-// call's writes; the nearest-point answer; then up to 24 calls of GetSurface, UpdateSurface or
-// GetNearestPoints with their arguments.
-// Properties: only the errors a member may let through come out (the lists below); a failed
-// read forgets the surface; a grid point within NumLats and NumLongs gives numbers or 9;
-// UpdateSurface leaves the store as it was; GetNearestPoints leaves its inputs unchanged and,
-// once they pass its checks, fills its outputs in order with the answer's elements up to the
-// first that fails, zeros after it.
+// Input: the grid the host holds; the Evaluate replies; the data call's writes; the
+// nearest-point answer; the call at which the host vanishes; then up to 24 calls of GetSurface,
+// UpdateSurface or GetNearestPoints with their arguments.
+// Properties: only the errors listed below come out; a failed read forgets the surface; a grid
+// point within NumLats and NumLongs gives numbers or 9; UpdateSurface leaves the store as it
+// was; GetNearestPoints leaves its inputs unchanged and, once they pass its checks, fills its
+// outputs (of Double or Variant) in order with the answer's elements up to the first that
+// fails, zeros after it.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
@@ -61,8 +61,7 @@ Variant Scalar(FuzzedDataProvider& in) {
   if (kind == 2) return Variant(in.ConsumeIntegralInRange<int32_t>(-3, 8));
   if (kind == 3) return Variant(in.ConsumeIntegral<int16_t>());
   if (kind == 4) return Variant(MakeVariantBool(in.ConsumeIntegral<int16_t>()));
-  if (kind == 5) return Variant::Null();
-  if (kind == 6) return Variant();
+  if (kind == 5 || kind == 6) return kind == 5 ? Variant::Null() : Variant();
   return Variant(std::to_string(in.ConsumeIntegralInRange(-2, 9)));  // numeric text
 }
 
@@ -85,8 +84,7 @@ SafeArray Filled(FuzzedDataProvider& in, VarType element, std::vector<Bound> bou
                             : in.ConsumeBool() ? Variant(in.ConsumeIntegralInRange(-20, 20) * 0.5)
                                                : Variant(in.ConsumeFloatingPoint<double>());
       a.Put(At(a.bounds(), i), value);
-    } catch (const Error&) {
-      // an element that doesn't convert stays as it was
+    } catch (const Error&) {  // an element that doesn't convert stays as it was
     }
   }
   return a;
@@ -111,22 +109,17 @@ Variant DataArray(FuzzedDataProvider& in, int index) {
   return Filled(in, flags ? VarType::kBool : VarType::kDouble, shape);
 }
 
-// A count reply as the read converts it; 0 when it doesn't.
-int64_t CountOf(const Variant& reply) {
-  try {
-    return std::max<int64_t>(reply.ToInteger(), 0);
-  } catch (const Error&) {
-    return 0;
+// Whether two arrays hold the same bounds, types and values (nested arrays by type only).
+bool SameArray(const SafeArray& a, const SafeArray& b) {
+  bool same = a.element_type() == b.element_type() && a.bounds() == b.bounds();
+  for (int64_t i = 0; same && i < a.size(); ++i) {
+    const Variant x = a.Get(At(a.bounds(), i)), y = b.Get(At(a.bounds(), i));
+    same = x.vt() == y.vt() &&
+           (x.is_array() || x.type() == VarType::kNull ||
+            (x.type() == VarType::kDouble ? Bits(x.ToDouble()) == Bits(y.ToDouble())
+                                          : x.ToText() == y.ToText()));
   }
-}
-
-// Whether `after` holds what `before` did. An array of another element type than Double comes
-// back converted to the member's Double and back, so only its shape is compared.
-bool SameInput(const SafeArray& before, const SafeArray& after) {
-  const auto same = [](double x, double y) { return Bits(x) == Bits(y); };
-  return before.element_type() == after.element_type() && before.bounds() == after.bounds() &&
-         (before.element_type() != VarType::kDouble || before.dims() == 0 ||
-          std::ranges::equal(before.Doubles(), after.Doubles(), same));
+  return same;
 }
 
 struct Session {
@@ -143,7 +136,7 @@ struct Session {
     return RunAllowing(allowed, [&] { CallMember(info, "GetPoint", args); });
   }
 
-  // What the store says of itself: its surface, counts, and point (1, 1) or why it won't read.
+  // What the store says of itself: its surface, its counts, and point (1, 1) if it reads.
   auto Store() {
     double p[3] = {};
     const bool read = GetPoint(1, 1, p);
@@ -162,9 +155,8 @@ struct Session {
   void GetSurface() {
     std::string name = in.PickValueInArray(kNames);
     std::vector<Variant> args{Variant::Ref(name)};
-    if (!RunAllowing(kReadErrors, [&] { CallMember(info, "GetSurface", args); })) {
-      Expect(Name().empty(), "a failed read forgets the surface");
-    }
+    const bool read = RunAllowing(kReadErrors, [&] { CallMember(info, "GetSurface", args); });
+    Expect(read || Name().empty(), "a failed read forgets the surface");
   }
 
   void UpdateSurface() {
@@ -190,19 +182,18 @@ struct Session {
     for (SafeArray& a : arrays) args.push_back(Variant::Ref(a));
     const bool ran =
         RunAllowing(kNearestErrors, [&] { CallMember(nearest, "GetNearestPoints", args); });
-    for (int c = 0; c < 3; ++c) Expect(SameInput(kept[c], arrays[c]), "the inputs stay");
+    for (int c = 0; c < 3; ++c) Expect(SameArray(arrays[c], kept[c]), "the inputs stay");
 
     // Inputs of one first bound from 0 up pass the checks that come before the outputs are
     // sized; the fill is checked only against a scripted answer and outputs that hold numbers.
     const Bound first = arrays[0].dims() >= 1 ? arrays[0].bounds()[0] : Bound{-1, 0};
-    const auto alike = [&](const SafeArray& a) { return a.dims() >= 1 && a.bounds()[0] == first; };
-    const auto numbers = [](const SafeArray& a) {
-      return a.element_type() == VarType::kDouble || a.element_type() == VarType::kVariant;
-    };
-    if (!answer || first.lower < 0 || first.count < 1 || !std::all_of(arrays, arrays + 3, alike) ||
-        !std::all_of(arrays + 3, arrays + 6, numbers)) {
-      return;
+    bool checked = answer && first.lower >= 0 && first.count >= 1;
+    for (int c = 0; c < 6; ++c) {
+      const VarType type = arrays[c].element_type();
+      checked = checked && (c < 3 ? arrays[c].dims() >= 1 && arrays[c].bounds()[0] == first
+                                  : type == VarType::kDouble || type == VarType::kVariant);
     }
+    if (!checked) return;
     std::vector<uint64_t> filled, prefix;  // the outputs in the order they are filled
     for (int32_t k = 0; k < first.count; ++k) {
       for (int c = 3; c < 6; ++c) {
@@ -211,20 +202,17 @@ struct Session {
       }
     }
     try {  // the answer's elements from 0 up to the first that isn't there or isn't a number
-      const SafeArray whole = answer->ToArray();
-      while (prefix.size() < filled.size()) {
-        prefix.push_back(Bits(whole.Get({int32_t(prefix.size())}).ToDouble()));
+      for (int32_t j = 0; prefix.size() < filled.size(); ++j) {
+        prefix.push_back(Bits(answer->ToArray().Get({j}).ToDouble()));
       }
     } catch (const Error&) {
     }
     // Whole, or up to the element that failed with zeros after it, or zeros all through when
     // the call failed before the answer came.
-    if (ran) {
-      Expect(prefix.size() == filled.size(), "a call that succeeds read the whole answer");
-    } else if (prefix.size() == filled.size() ||
-               !std::equal(prefix.begin(), prefix.end(), filled.begin())) {
+    const bool whole = prefix.size() == filled.size();
+    Expect(!ran || whole, "a call that succeeds read the whole answer");
+    if (!ran && (whole || !std::equal(prefix.begin(), prefix.end(), filled.begin())))
       prefix.clear();
-    }
     prefix.resize(filled.size(), 0);
     Expect(filled == prefix, "outputs hold the answer up to the element that failed, zeros after");
   }
@@ -256,22 +244,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Session s(in);
   const int lats = in.ConsumeIntegralInRange(1, 5), lons = in.ConsumeIntegralInRange(1, 5);
   s.host->AddSurface("Patch", hosts::PlaneGrid({0, 0, 0}, {4, 0, 0}, {0, 3, 1}, lats, lons));
-  const int vanish_at = in.ConsumeIntegralInRange(0, 40);
 
   // The Evaluate replies; a read that would make large arrays is left out.
   int64_t counts[2] = {lats, lons};
   for (int p = 0; p < 4; ++p) {
     if (!in.ConsumeBool()) continue;
     const Variant reply = Scalar(in);
-    if (p >= 2) counts[p - 2] = CountOf(reply);
+    if (p >= 2) {  // as the read converts it
+      RunAllowing({6, 13, 94}, [&] { counts[p - 2] = std::max<int16_t>(reply.ToInteger(), 0); });
+    }
     s.host->ScriptEvaluate(std::string("SURFACE['Patch'].") + kProperties[p], reply);
     s.host->ScriptEvaluate(std::string("SURFACE['Gone'].") + kProperties[p], reply);
   }
   const int64_t positions = counts[0] * counts[1];
   if (positions > kMostPositions && positions * 24 <= INT32_MAX) return 0;
 
-  // The data call's writes through its references 3 to 24 (4 is by value): the counts, the
-  // world flag, the arrays and the status.
+  // The data call's writes: the counts, the world flag, the arrays and the status (4 is by value).
   const std::shared_ptr<hosts::SimDocument> document = s.host->document();
   for (int w = in.ConsumeIntegralInRange(0, 4); w > 0; --w) {
     const int at = in.ConsumeIntegralInRange(3, 24);
@@ -282,14 +270,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                                      : DataArray(in, at - 7);
     document->ScriptArgument("GetSurfacePointData", at, value);
   }
-  if (in.ConsumeBool()) {  // Double or Variant elements of about the right length, or anything
-    const int32_t length =
-        std::max(0, 3 * in.ConsumeIntegralInRange(0, 5) + 1 + in.ConsumeIntegralInRange(-4, 1));
-    const Bound bound = {in.ConsumeBool() ? 0 : in.ConsumeIntegralInRange(-1, 2), length};
+  if (in.ConsumeBool()) {  // room for up to five points, or anything
+    const Bound bound = {in.ConsumeIntegralInRange(-1, 1), in.ConsumeIntegralInRange(0, 16)};
     s.answer = in.ConsumeBool() ? Scalar(in) : Variant(s.ClientArray(bound));
     document->ScriptArgument("getnearestpoint", 4, *s.answer);
   }
-  if (vanish_at > 0) s.host->VanishAt(vanish_at);
+  if (const int call = in.ConsumeIntegralInRange(0, 40); call > 0) s.host->VanishAt(call);
 
   RunAllowing({}, [&] { Call(s.info, "Reset"); });
   s.RunCalls();
