@@ -95,12 +95,7 @@ int FormText(lua_State* L) {
 }
 
 int FormChanges(lua_State* L) {
-  const std::vector<std::string> changes = ArgForm(L)->container().property_changes();
-  lua_createtable(L, int(changes.size()), 0);
-  for (size_t i = 0; i < changes.size(); ++i) {
-    PushString(L, changes[i]);
-    lua_rawseti(L, -2, lua_Integer(i + 1));
-  }
+  PushStrings(L, ArgForm(L)->container().property_changes());
   return 1;
 }
 

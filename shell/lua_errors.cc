@@ -164,6 +164,14 @@ void PushString(lua_State* L, std::string_view text) {
   lua_pushlstring(L, text.data(), text.size());
 }
 
+void PushStrings(lua_State* L, const std::vector<std::string>& texts) {
+  lua_createtable(L, int(texts.size()), 0);
+  for (size_t i = 0; i < texts.size(); ++i) {
+    PushString(L, texts[i]);
+    lua_rawseti(L, -2, lua_Integer(i + 1));
+  }
+}
+
 std::string StringAt(lua_State* L, int index) {
   size_t size = 0;
   const char* text = lua_tolstring(L, index, &size);

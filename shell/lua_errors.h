@@ -4,6 +4,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <lua.hpp>
 
@@ -66,6 +67,7 @@ int ArgOption(lua_State* L, int arg, const char* const names[], const char* fall
 // number) at `index`; SetField sets the field `key` of the table below the top to the
 // value on top, and pops it.
 void PushString(lua_State* L, std::string_view text);
+void PushStrings(lua_State* L, const std::vector<std::string>& texts);  // as a list from 1
 std::string StringAt(lua_State* L, int index);
 void SetField(lua_State* L, std::string_view key);
 

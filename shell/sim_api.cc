@@ -145,14 +145,6 @@ std::string LogLine(const qorvel::hosts::Call& call) {
   return line + ")";
 }
 
-void PushLines(lua_State* L, const std::vector<std::string>& lines) {
-  lua_createtable(L, int(lines.size()), 0);
-  for (size_t i = 0; i < lines.size(); ++i) {
-    lua_pushlstring(L, lines[i].data(), lines[i].size());
-    lua_rawseti(L, -2, lua_Integer(i + 1));
-  }
-}
-
 int RunZebrin(lua_State* L) {
   PushObject(L, qorvel::hosts::RunZebrin(ArgDelay(L, 1)));
   return 1;
@@ -266,7 +258,7 @@ int Log(lua_State* L) {
   std::vector<std::string> lines;
   for (const qorvel::hosts::Call& call : ArgHost<SimObject>(L, 1)->log())
     lines.push_back(LogLine(call));
-  PushLines(L, lines);
+  PushStrings(L, lines);
   return 1;
 }
 
@@ -280,7 +272,7 @@ int Commands(lua_State* L) {
       throw ArgError(2, "\"Execute\" or \"ExecuteEx\" expected");
     }
   }
-  PushLines(L, host->commands(member));
+  PushStrings(L, host->commands(member));
   return 1;
 }
 

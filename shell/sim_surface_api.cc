@@ -163,12 +163,7 @@ int DeleteSurface(lua_State* L) {
 }
 
 int Surfaces(lua_State* L) {
-  const std::vector<std::string> names = ArgHost<SimUlmora>(L, 1)->surface_names();
-  lua_createtable(L, int(names.size()), 0);
-  for (size_t i = 0; i < names.size(); ++i) {
-    PushString(L, names[i]);
-    lua_rawseti(L, -2, lua_Integer(i + 1));
-  }
+  PushStrings(L, ArgHost<SimUlmora>(L, 1)->surface_names());
   return 1;
 }
 

@@ -77,14 +77,6 @@ void PushProperty(lua_State* L, const Variant& value) {
   }
 }
 
-void PushNames(lua_State* L, const std::vector<std::string>& names) {
-  lua_createtable(L, int(names.size()), 0);
-  for (size_t i = 0; i < names.size(); ++i) {
-    lua_pushlstring(L, names[i].data(), names[i].size());
-    lua_rawseti(L, -2, lua_Integer(i + 1));
-  }
-}
-
 // Sim.Ulmora.AddEntity(ulmora, name, type [, {X = 1, POSITION = {1, 2, 3}, KIND = "Kalvane"}])
 int AddEntity(lua_State* L) {
   std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
@@ -124,7 +116,7 @@ int Entity(lua_State* L) {
 int Entities(lua_State* L) {
   std::vector<std::string> names;
   for (const SimUlmora::Entity& e : ArgHost<SimUlmora>(L, 1)->entities()) names.push_back(e.name);
-  PushNames(L, names);
+  PushStrings(L, names);
   return 1;
 }
 
@@ -144,17 +136,17 @@ int MarkUpdated(lua_State* L) {
 }
 
 int Selection(lua_State* L) {
-  PushNames(L, ArgHost<SimUlmora>(L, 1)->selection());
+  PushStrings(L, ArgHost<SimUlmora>(L, 1)->selection());
   return 1;
 }
 
 int Created(lua_State* L) {
-  PushNames(L, ArgHost<SimUlmora>(L, 1)->created());
+  PushStrings(L, ArgHost<SimUlmora>(L, 1)->created());
   return 1;
 }
 
 int Updated(lua_State* L) {
-  PushNames(L, ArgHost<SimUlmora>(L, 1)->updated());
+  PushStrings(L, ArgHost<SimUlmora>(L, 1)->updated());
   return 1;
 }
 
@@ -176,7 +168,7 @@ int Dialogs(lua_State* L) {
 }
 
 int Batches(lua_State* L) {
-  PushNames(L, ArgHost<SimUlmora>(L, 1)->batches());
+  PushStrings(L, ArgHost<SimUlmora>(L, 1)->batches());
   return 1;
 }
 

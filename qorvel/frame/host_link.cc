@@ -20,7 +20,6 @@ constexpr HostProfile kProfiles[3] = {
     {"Ulmora_connection", "Ulmora.Application", "", "", "", "", "", ""},
 };
 
-constexpr int32_t kCriticalStop = 4112;  // critical-stop icon, OK only, system modal
 constexpr int32_t kMaximisedWithFocus = 3;
 
 }  // namespace
@@ -53,17 +52,17 @@ VariantBool HostLink::StartAndConnect() {
       ReadRegistryValue(root_key::kLocalMachine, p.install_key_prefix + version, "ExecutablePath");
   Messages& messages = Env::Current().messages();
   if (path == kNotFound) {
-    messages.ShowMessage(std::string(p.start_text) + "\rCheck registry", kCriticalStop,
+    messages.ShowMessage(std::string(p.start_text) + "\rCheck registry", kCriticalStopBox,
                          p.start_title);
     return VariantBool::kFalse;
   }
   if (!HoldBack([&] { Env::Current().launcher().LaunchProgram(path, kMaximisedWithFocus); })) {
     messages.ShowMessage(std::string(p.start_text) + "\rCheck installation and registry settings",
-                         kCriticalStop, p.start_title);
+                         kCriticalStopBox, p.start_title);
     return VariantBool::kFalse;
   }
   if (ConnectToRunning() == VariantBool::kTrue) return VariantBool::kTrue;
-  messages.ShowMessage(p.link_text, kCriticalStop, p.link_title);
+  messages.ShowMessage(p.link_text, kCriticalStopBox, p.link_title);
   return VariantBool::kFalse;
 }
 

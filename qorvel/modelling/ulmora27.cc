@@ -9,7 +9,6 @@ namespace qorvel {
 namespace {
 
 constexpr int16_t kOldestAccepted = 2620;
-constexpr int32_t kExclamation = 4144;  // exclamation icon, OK only, system modal
 
 }  // namespace
 
@@ -17,7 +16,7 @@ bool Ulmora27::Accepts(int16_t version) const { return version >= kOldestAccepte
 
 // A message, not an error: every probe that meets such a host shows it again.
 void Ulmora27::Refuse() {
-  Env::Current().messages().ShowMessage("Control only supports Ulmora2620 onwards", kExclamation,
+  Env::Current().messages().ShowMessage("Control only supports Ulmora2620 onwards", kExclamationBox,
                                         "");
 }
 

@@ -8,6 +8,11 @@
 
 namespace qorvel {
 
+// The two styles the library's boxes take: OK only, system modal, with the critical-stop or the
+// exclamation icon.
+inline constexpr int32_t kCriticalStopBox = 4112;
+inline constexpr int32_t kExclamationBox = 4144;
+
 // Modal message boxes: one OK button, answered before the call returns.
 class Messages {
  public:

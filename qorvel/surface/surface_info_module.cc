@@ -62,11 +62,6 @@ int16_t Count(const Variant& reply) {
   return count;
 }
 
-Variant Evaluate(SurfaceStore& store, const std::string& expression) {
-  std::vector<Variant> args{Variant(expression)};
-  return CallMember(store.SurfaceHost, "Evaluate", args);
-}
-
 void ClearSelection(SurfaceStore& store, int32_t& status) {
   std::vector<Variant> args{Variant("SELECT CLEARLIST"), Variant::Ref(status)};
   CallMember(store.SurfaceHost, "Execute", args);
@@ -108,8 +103,8 @@ VariantBool ReadSurface(const std::string& name) {
   SurfaceStore& store = Store();
   int32_t status = 0;
   const AutomationObject document = GetMember(store.SurfaceHost, "activedocument").ToObject();
-  const int16_t lats = Count(Evaluate(store, "SURFACE['" + name + "'].NLATS"));
-  const int16_t lons = Count(Evaluate(store, "SURFACE['" + name + "'].NLONS"));
+  const int16_t lats = Count(Evaluate(store.SurfaceHost, "SURFACE['" + name + "'].NLATS"));
+  const int16_t lons = Count(Evaluate(store.SurfaceHost, "SURFACE['" + name + "'].NLONS"));
   store.StoreName = name;
   store.NLats = lats;
   store.NLons = lons;
@@ -136,6 +131,11 @@ VariantBool WriteSurface() {
   ClearSelection(store, status);
   DataCall(document, "SetSurfacePointData", store, arrays, status);
   return ToVariantBool(status == 0);
+}
+
+Variant Evaluate(const AutomationObject& host, const std::string& expression) {
+  std::vector<Variant> args{Variant(expression)};
+  return CallMember(host, "Evaluate", args);
 }
 
 bool EqualsZero(const Variant& reply) {

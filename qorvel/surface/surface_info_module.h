@@ -51,6 +51,9 @@ VariantBool WriteSurface();
 // New arrays for `group` of the given counts, whatever it held.
 void SizeTangentGroup(TangentGroup& group, int16_t& lats, int16_t& lons);
 
+// The host's reply to `expression`, sent by value as the surface tools send it.
+Variant Evaluate(const AutomationObject& host, const std::string& expression);
+
 // Whether a host's reply compares equal to the number 0, as a client's language compares it:
 // Empty and false do, Null doesn't, and a reply that is no number can't be compared (13).
 bool EqualsZero(const Variant& reply);

@@ -48,8 +48,8 @@ void UlmoraNearestPoints::GetNearestPoints(std::string& SurfaceName, SafeArray& 
   if (SurfaceName.empty()) Raise(err::kNoSurfaceName);
   DocumentRef = GetMember(ApplicationRef, "activedocument").ToObject();
   if (!DocumentRef) Raise(err::kNoActiveModel);
-  std::vector<Variant> expression{Variant("SURFACE['" + SurfaceName + "'].EXISTS")};
-  if (surface_info_module::EqualsZero(CallMember(ApplicationRef, "Evaluate", expression))) {
+  const std::string exists = "SURFACE['" + SurfaceName + "'].EXISTS";
+  if (surface_info_module::EqualsZero(surface_info_module::Evaluate(ApplicationRef, exists))) {
     Raise(err::kNoSuchSurface);
   }
 

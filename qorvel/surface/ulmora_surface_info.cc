@@ -14,13 +14,10 @@ using surface_info_module::Store;
 using surface_info_module::SurfaceStore;
 
 constexpr double kOldestAccepted = 2611;
-constexpr int32_t kExclamation = 4144;  // exclamation icon, OK only, system modal
-
-void Tell(const char* text) { Env::Current().messages().ShowMessage(text, kExclamation, ""); }
+void Tell(const char* text) { Env::Current().messages().ShowMessage(text, kExclamationBox, ""); }
 
 Variant Evaluate(const std::string& expression) {
-  std::vector<Variant> args{Variant(expression)};
-  return CallMember(Store().SurfaceHost, "Evaluate", args);
+  return surface_info_module::Evaluate(Store().SurfaceHost, expression);
 }
 
 void Forget(SurfaceStore& store) {
