@@ -273,6 +273,16 @@ void SafeArray::Put(std::span<const int32_t> subscripts, const Variant& value) {
   OutOfMemoryAsError([&] { PutAt(Offset(subscripts), value); });
 }
 
+Variant SafeArray::GetFlat(int64_t offset) const {
+  if (offset < 0 || offset >= size()) Raise(err::kSubscript);
+  return OutOfMemoryAsError([&] { return ElementAt(storage(), offset); });
+}
+
+void SafeArray::PutFlat(int64_t offset, const Variant& value) {
+  if (offset < 0 || offset >= size()) Raise(err::kSubscript);
+  OutOfMemoryAsError([&] { PutAt(offset, value); });
+}
+
 // Converts first: a value that doesn't fit leaves the array (and its sharers) untouched.
 void SafeArray::PutAt(int64_t offset, const Variant& value) {
   switch (element_type()) {

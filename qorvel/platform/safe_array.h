@@ -53,6 +53,10 @@ class SafeArray {
   void Put(std::initializer_list<int32_t> subscripts, const Variant& value) {
     Put(std::span<const int32_t>(subscripts.begin(), subscripts.size()), value);
   }
+  // An element by its position in memory order (first subscript fastest), for converting whole
+  // arrays of any shape; error 9 outside 0 .. size() - 1.
+  Variant GetFlat(int64_t offset) const;
+  void PutFlat(int64_t offset, const Variant& value);
   // Typed fast paths for one-dimensional Double arrays; error 13 on another element type.
   double GetDouble(int32_t subscript) const;
   void PutDouble(int32_t subscript, double value);
