@@ -4,14 +4,17 @@
 // Late-bound calls across the platform's IDispatch, both ways, and the one translation between
 // the library's raised errors and HRESULTs.
 
-#include <windows.h>
 #include <oaidl.h>
+#include <windows.h>
 
 #include <map>
 #include <mutex>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "qorvel/platform/com_windows.h"
+#include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/variant.h"
 

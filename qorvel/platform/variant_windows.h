@@ -4,8 +4,8 @@
 // The one place where the library's values meet the platform's: Variant and SafeArray to and
 // from VARIANT and SAFEARRAY, and the arguments of IDispatch::Invoke in both directions.
 
-#include <windows.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include <deque>
 #include <span>
@@ -73,6 +73,8 @@ class OutgoingArgs {
   void WriteBack();
 
  private:
+  void Clear();
+
   std::span<Variant> args_;
   std::vector<VARIANT> passed_;  // in the platform's order: last argument first
   std::deque<VARIANT> targets_;  // what the by-reference arguments point at
