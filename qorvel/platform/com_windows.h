@@ -3,8 +3,9 @@
 
 // Owning holders for COM pointers and BSTRs, and the text conversions of the Windows face.
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>
 
 #include <string>
 #include <string_view>

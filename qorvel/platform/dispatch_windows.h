@@ -4,8 +4,9 @@
 // Late-bound calls across the platform's IDispatch, both ways, and the one translation between
 // the library's raised errors and HRESULTs.
 
-#include <oaidl.h>
 #include <windows.h>
+
+#include <oaidl.h>
 
 #include <map>
 #include <mutex>

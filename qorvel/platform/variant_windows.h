@@ -4,8 +4,9 @@
 // The one place where the library's values meet the platform's: Variant and SafeArray to and
 // from VARIANT and SAFEARRAY, and the arguments of IDispatch::Invoke in both directions.
 
-#include <oleauto.h>
 #include <windows.h>
+
+#include <oleauto.h>
 
 #include <deque>
 #include <span>
