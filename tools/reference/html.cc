@@ -33,6 +33,7 @@ dt { color: #55606e; }
 dd { margin: 0; }
 p, ul { margin: .4rem 0; }
 .flags { font-size: 12px; color: #55606e; }
+.q { white-space: pre-wrap; }
 )";
 
 // The span between backticks, linked where the linker knows it.

@@ -17,6 +17,11 @@ std::string Hex(uint32_t value, int digits = 0) {
 
 std::string Code(std::string_view text) { return "<code>" + Escape(text) + "</code>"; }
 
+// A text of the library's own, quoted exactly: its runs of blanks are kept.
+std::string Quoted(std::string_view text) {
+  return "<span class=\"q\">&ldquo;" + Escape(text) + "&rdquo;</span>";
+}
+
 std::string Nav(const TypeLibrary& library) {
   std::string nav = "<nav><a href=\"index.html\"><b>" + Escape(library.name) + "</b></a>";
   for (const ClassInfo& cls : library.classes) {
@@ -158,7 +163,7 @@ std::string MemberSection(const TypeLibrary& library, const ClassInfo& cls,
   out += "<dt>Slot</dt><dd>" + std::to_string(slot) + " of " +
          std::to_string(iface.members.size()) + " in " + Code(iface.name) + "</dd>\n";
   if (m.has_retval()) out += "<dt>Returns</dt><dd>" + ResultHtml(m) + "</dd>\n";
-  if (!m.help.empty()) out += "<dt>Help string</dt><dd>&ldquo;" + Escape(m.help) + "&rdquo;</dd>\n";
+  if (!m.help.empty()) out += "<dt>Help string</dt><dd>" + Quoted(m.help) + "</dd>\n";
   out += "</dl>\n";
   out += RenderNote(notes.ForMember(cls, m),
                     [&](std::string_view code) { return LinkFor(library, &cls, code); });
@@ -186,7 +191,7 @@ std::string IndexPage(const TypeLibrary& library, const NoteBook& notes) {
   fact("Library id", Escape(ToString(library.guid)));
   fact("Version",
        std::to_string(library.major_version) + "." + std::to_string(library.minor_version));
-  fact("Help string", "&ldquo;" + Escape(library.help_string) + "&rdquo;");
+  fact("Help string", Quoted(library.help_string));
   fact("Help file", Code(library.help_file));
   fact("Locale", Code(Hex(library.locale)) + " (US English)");
   fact("Kind", library.control_library ? "control library" : "type library");
@@ -198,7 +203,7 @@ std::string IndexPage(const TypeLibrary& library, const NoteBook& notes) {
                     std::to_string(events) + " event interfaces, " +
                     std::to_string(library.enums.size()) + " enumerations");
   for (const auto& [name, value] : library.version_block) {
-    fact(name, value.empty() ? "(present, empty)" : "&ldquo;" + Escape(value) + "&rdquo;");
+    fact(name, value.empty() ? "(present, empty)" : Quoted(value));
   }
   body += "</table>\n";
 
