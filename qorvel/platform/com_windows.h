@@ -3,8 +3,10 @@
 
 // Owning holders for COM pointers and BSTRs, and the text conversions of the Windows face.
 
-#include <oleauto.h>
+// <windows.h> first, in a block of its own: the OLE headers build on its types.
 #include <windows.h>
+
+#include <oleauto.h>
 
 #include <string>
 #include <string_view>
