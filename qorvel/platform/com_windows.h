@@ -3,7 +3,6 @@
 
 // Owning holders for COM pointers and BSTRs, and the text conversions of the Windows face.
 
-// <windows.h> first, in a block of its own: the OLE headers build on its types.
 #include <windows.h>
 
 #include <oleauto.h>

@@ -4,7 +4,6 @@
 // Late-bound calls across the platform's IDispatch, both ways, and the one translation between
 // the library's raised errors and HRESULTs.
 
-// <windows.h> first, in a block of its own: the OLE headers build on its types.
 #include <windows.h>
 
 #include <oaidl.h>

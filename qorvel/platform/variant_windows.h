@@ -4,7 +4,6 @@
 // The one place where the library's values meet the platform's: Variant and SafeArray to and
 // from VARIANT and SAFEARRAY, and the arguments of IDispatch::Invoke in both directions.
 
-// <windows.h> first, in a block of its own: the OLE headers build on its types.
 #include <windows.h>
 
 #include <oleauto.h>
