@@ -71,11 +71,9 @@ void LateBoundCall() {
 void SurfaceRoundTrip() {
   AutomationObject sim = WrapDispatch(Create(L"QorvelSim.Control").get());
   Call(sim, "Run", "Ulmora");
-  Call(sim, "AddGrid", "BIG", 1000, 1000);
+  Call(sim, "AddPlane", "Ulmora", "BIG", Variant(), Variant(), Variant(), 1000, 1000);
   AutomationObject info = WrapDispatch(Create(L"QorvelOLE.UlmoraSurfaceInfo").get());
   Call(info, "Reset");
-  Variant name("BIG");
-  std::vector<Variant> args{Variant::Ref(*std::make_unique<std::string>("BIG"))};
   std::string surface = "BIG";
   const double round_trip = NanosPerCall(1, [&] {
     std::vector<Variant> get{Variant::Ref(surface)};
