@@ -4,6 +4,7 @@
 // Owning holders for COM pointers and BSTRs, and the text conversions of the Windows face.
 
 #include <windows.h>
+
 #include <oleauto.h>
 
 #include <string>

@@ -5,13 +5,17 @@
 // the library's raised errors and HRESULTs.
 
 #include <windows.h>
+
 #include <oaidl.h>
 
 #include <map>
 #include <mutex>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "qorvel/platform/com_windows.h"
+#include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/variant.h"
 

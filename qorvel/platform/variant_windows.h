@@ -5,6 +5,7 @@
 // from VARIANT and SAFEARRAY, and the arguments of IDispatch::Invoke in both directions.
 
 #include <windows.h>
+
 #include <oleauto.h>
 
 #include <deque>
@@ -73,6 +74,8 @@ class OutgoingArgs {
   void WriteBack();
 
  private:
+  void Clear();
+
   std::span<Variant> args_;
   std::vector<VARIANT> passed_;  // in the platform's order: last argument first
   std::deque<VARIANT> targets_;  // what the by-reference arguments point at

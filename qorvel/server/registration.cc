@@ -10,7 +10,6 @@
 namespace qorvel {
 namespace {
 
-constexpr const char* kServerFile = "QorvelOLE.ocx";
 // The automation marshalers: one for dual interfaces, one for pure dispatch interfaces, as
 // type library registration names them.
 constexpr const char* kDualProxy = "{00020424-0000-0000-C000-000000000046}";
@@ -23,12 +22,12 @@ void Set(const std::string& key, const std::string& name, const std::string& tex
   Env::Current().registry().SetString(root_key::kClassesRoot, key, name, text);
 }
 
-void RegisterClassKeys(const TypeLibrary& lib, const ClassInfo& c) {
+void RegisterClassKeys(const TypeLibrary& lib, const ClassInfo& c, const std::string& server) {
   const std::string clsid = ToString(c.guid);
   const std::string key = "CLSID\\" + clsid;
   const std::string prog_id = lib.name + "." + c.name;
   Set(key, "", c.name);
-  Set(key + "\\InprocServer32", "", kServerFile);
+  Set(key + "\\InprocServer32", "", server);
   Set(key + "\\InprocServer32", "ThreadingModel", "Apartment");
   Set(key + "\\ProgID", "", prog_id);
   Set(key + "\\TypeLib", "", ToString(lib.guid));
@@ -36,7 +35,7 @@ void RegisterClassKeys(const TypeLibrary& lib, const ClassInfo& c) {
   if (c.control) {
     Env::Current().registry().CreateKey(root_key::kClassesRoot, key + "\\Control");
     Set(key + "\\ToolboxBitmap32", "",
-        std::string(kServerFile) + ", " + std::to_string(c.toolbox_bitmap));
+        server + ", " + std::to_string(c.toolbox_bitmap));
     Set(key + "\\MiscStatus", "", "0");
     Set(key + "\\MiscStatus\\1", "", std::to_string(c.misc_status));
   }
@@ -61,14 +60,16 @@ void DropIfEmpty(const std::string& key) {
 
 }  // namespace
 
-int32_t DllRegisterServer() try {
+int32_t DllRegisterServer(const ServerFile& file) try {
   const TypeLibrary& lib = TheTypeLibrary();
   const std::string lib_key = "TypeLib\\" + ToString(lib.guid) + "\\1.0";
+  const size_t folder_end = file.path.find_last_of("\\/");
   Set(lib_key, "", lib.help_string);
-  Set(lib_key + "\\0\\win32", "", kServerFile);
+  Set(lib_key + (file.win64 ? "\\0\\win64" : "\\0\\win32"), "", file.path);
   Set(lib_key + "\\FLAGS", "", kLibraryFlagControl);
-  Set(lib_key + "\\HELPDIR", "", "");
-  for (const ClassInfo& c : lib.classes) RegisterClassKeys(lib, c);
+  Set(lib_key + "\\HELPDIR", "",
+      folder_end == std::string::npos ? "" : file.path.substr(0, folder_end));
+  for (const ClassInfo& c : lib.classes) RegisterClassKeys(lib, c, file.path);
   for (const InterfaceInfo& i : lib.interfaces) {
     const std::string key = "Interface\\" + ToString(i.guid);
     Set(key, "", i.name);

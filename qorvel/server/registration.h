@@ -2,6 +2,7 @@
 #define QORVEL_SERVER_REGISTRATION_H_
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "qorvel/frame/type_library.h"
@@ -19,12 +20,20 @@ inline constexpr int32_t kClassNotAvailable = static_cast<int32_t>(0x80040111);
 inline constexpr int32_t kSelfRegClass = static_cast<int32_t>(0x80040201);  // a refused write
 }  // namespace hresult
 
+// The file registration names as the server: the bare name where there is no file system of
+// the platform's (the portable build), the DLL's full path on Windows, whose type library entry
+// is for the processor the DLL was built for.
+struct ServerFile {
+  std::string path = "QorvelOLE.ocx";
+  bool win64 = false;
+};
+
 // The in-process server protocol, on the platform registry. Registering writes the type
 // library, the seven classes (programmatic names "QorvelOLE.<class>", apartment-threaded) and
 // the interfaces under HKEY_CLASSES_ROOT; unregistering removes exactly that, and the parent
 // keys CLSID, Interface and TypeLib when nothing else is left in them. hresult::kSelfRegClass when
 // the registry refuses a write.
-int32_t DllRegisterServer();
+int32_t DllRegisterServer(const ServerFile& file = {});
 int32_t DllUnregisterServer();
 // The factory of a class identifier of the library; hresult::kClassNotAvailable for another one
 // or for a class that isn't built yet.

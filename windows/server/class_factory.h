@@ -1,0 +1,33 @@
+#ifndef WINDOWS_SERVER_CLASS_FACTORY_H_
+#define WINDOWS_SERVER_CLASS_FACTORY_H_
+
+#include <windows.h>
+
+#include <unknwn.h>
+
+#include "qorvel/server/classes.h"
+
+namespace qorvel::win {
+
+// The class factory of one of the library's classes: each instance comes with its type
+// information. No aggregation.
+class ClassFactory final : public IClassFactory {
+ public:
+  explicit ClassFactory(qorvel::ClassFactory make) : make_(make) {}
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override;
+  ULONG STDMETHODCALLTYPE AddRef() override;
+  ULONG STDMETHODCALLTYPE Release() override;
+  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** out) override;
+  HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override;
+
+ private:
+  ~ClassFactory() = default;
+
+  qorvel::ClassFactory make_;
+  LONG refs_ = 1;
+};
+
+}  // namespace qorvel::win
+
+#endif  // WINDOWS_SERVER_CLASS_FACTORY_H_
