@@ -36,13 +36,6 @@ Variant Run(ControlArgs& a) {
   return Variant(AutomationObject(RunHost(a.ClassName(0), Delay(a, 1))));
 }
 
-// Launch(host): what the installed program does when started, with the start delay in force.
-Variant Launch(ControlArgs& a) {
-  a.Takes(1, 1);
-  return Variant(
-      AutomationObject(RunHost(a.ClassName(0), HostTable::Of(Env::Current())->start_delay())));
-}
-
 Variant SetStartDelay(ControlArgs& a) {
   a.Takes(1, 1);
   hosts::SetStartDelay(Delay(a, 0));
@@ -158,7 +151,6 @@ Variant ClearLog(ControlArgs& a) {
 
 constexpr ControlMember kHostControls[] = {
     {"Run", Run},
-    {"Launch", Launch},
     {"SetStartDelay", SetStartDelay},
     {"Host", Host},
     {"Started", Started},
@@ -178,6 +170,7 @@ constexpr ControlMember kHostControls[] = {
 };
 
 constexpr std::string_view kQuit = "Quit";
+constexpr std::string_view kLaunch = "Launch";
 
 // Every member of every part, by upper-cased name.
 const std::map<std::string, ControlMember>& Members() {
@@ -195,7 +188,7 @@ const std::map<std::string, ControlMember>& Members() {
 
 std::span<const ControlMember> HostControls() { return kHostControls; }
 
-SimControl::SimControl(std::function<void()> quit) : quit_(std::move(quit)) {}
+SimControl::SimControl(Hooks hooks) : hooks_(std::move(hooks)) {}
 
 Variant SimControl::Invoke(std::string_view member, CallKind kind, std::span<Variant> args) {
   if (kind == CallKind::kPropertyPut || Shape(member) != MemberShape::kMethod) {
@@ -206,14 +199,22 @@ Variant SimControl::Invoke(std::string_view member, CallKind kind, std::span<Var
     // Quit(): every simulator goes away, as when its program ends, and so does the program.
     a.Takes(0, 0);
     for (const auto& host : StartedHosts()) host->GoAway();
-    if (quit_) quit_();
+    if (hooks_.quit) hooks_.quit();
     return {};
+  }
+  if (EqualsNoCase(member, kLaunch)) {
+    // Launch(host): what the installed program does when started, with the start delay in force.
+    a.Takes(1, 1);
+    auto host = RunHost(a.ClassName(0), HostTable::Of(Env::Current())->start_delay());
+    if (hooks_.launched) hooks_.launched(host);
+    return Variant(AutomationObject(host));
   }
   return Members().at(UpperCase(member)).call(a);
 }
 
 MemberShape SimControl::Shape(std::string_view member) const {
-  if (EqualsNoCase(member, kQuit) || Members().contains(UpperCase(member))) {
+  if (EqualsNoCase(member, kQuit) || EqualsNoCase(member, kLaunch) ||
+      Members().contains(UpperCase(member))) {
     return MemberShape::kMethod;
   }
   return MemberShape::kMissing;

@@ -2,9 +2,11 @@
 #define HOSTS_SIM_CONTROL_H_
 
 #include <functional>
+#include <memory>
 #include <span>
 #include <string_view>
 
+#include "hosts/sim_host.h"
 #include "qorvel/platform/dispatch.h"
 
 namespace qorvel::hosts {
@@ -20,14 +22,20 @@ inline constexpr const char* kSimControlClass = "QorvelSim.Control";
 // (Empty) takes its default.
 class SimControl : public Dispatch {
  public:
-  // `quit` ends the program that serves the control, after Quit has ended every simulator.
-  explicit SimControl(std::function<void()> quit = {});
+  // What the program that serves the control does beyond the simulators.
+  struct Hooks {
+    // Ends the program, after Quit has ended every simulator.
+    std::function<void()> quit;
+    // Hears of each simulator that Launch starts, as the program started by that name would.
+    std::function<void(const std::shared_ptr<SimHost>&)> launched;
+  };
+  explicit SimControl(Hooks hooks = {});
 
   Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) override;
   MemberShape Shape(std::string_view member) const override;
 
  private:
-  std::function<void()> quit_;
+  Hooks hooks_;
 };
 
 }  // namespace qorvel::hosts

@@ -41,7 +41,8 @@ class SimControlTest : public ::testing::Test {
 
   ScopedEnv env_;
   bool quit_ = false;
-  std::shared_ptr<SimControl> control_ = std::make_shared<SimControl>([this] { quit_ = true; });
+  std::shared_ptr<SimControl> control_ = std::make_shared<SimControl>(
+      SimControl::Hooks{.quit = [this] { quit_ = true; }, .launched = {}});
 };
 
 TEST_F(SimControlTest, RunStartsAHostThatNamesReachAndThatTheLogShows) {
@@ -113,6 +114,16 @@ TEST_F(SimControlTest, QuitEndsEverySimulatorAndThenTheProgram) {
   EXPECT_TRUE(LastTarvik()->gone());
   EXPECT_EQ(ErrorOf([&] { Env::Current().running_objects().BindRunning("Zebrin.Document"); }),
             err::kCantCreate);
+}
+
+TEST_F(SimControlTest, LaunchStartsAsTheProgramWouldAndTellsTheProgram) {
+  std::shared_ptr<SimHost> heard;
+  SimControl control({.quit = {}, .launched = [&](const auto& host) { heard = host; }});
+  Call("SetStartDelay", 0);
+  std::vector<Variant> args{Variant("Tarvik")};
+  const Variant tarvik = control.Invoke("Launch", CallKind::kMethod, args);
+  EXPECT_EQ(heard, tarvik.ToObject());
+  EXPECT_EQ(Env::Current().running_objects().BindRunning("Tarvik.Document"), heard);
 }
 
 }  // namespace
