@@ -1,7 +1,8 @@
 #include "windows/hosts/program_running_objects.h"
 
-#include <objbase.h>
 #include <windows.h>
+
+#include <objbase.h>
 
 #include <vector>
 

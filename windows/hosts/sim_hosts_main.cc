@@ -8,10 +8,13 @@
 //
 // The program ends on SimControl.Quit, or once nothing is left for it to do: no control and no
 // object of it held by a client, and no launched program running (a launched program, like the
-// real one, runs until Exit, or until it has stood unused for kProgramIdle).
+// real one, runs until Exit). Wine doesn't collect the references of a client that ended without
+// releasing them (WScript.Quit does that), so the program also ends when nothing has called the
+// control or any simulator for kIdleLimit: a test run never leaves it behind for long.
+#include <windows.h>
+
 #include <objbase.h>
 #include <shellapi.h>
-#include <windows.h>
 
 #include <atomic>
 #include <chrono>
@@ -34,21 +37,41 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-// How long the program waits for its first client after starting, and how long it stays once
-// nobody uses it any more; a launched program that nobody uses gives up after kProgramIdle.
+// How long the program waits for its first client after starting, how long it stays once
+// nobody holds anything of it, and how long it stays while nothing calls it.
 constexpr auto kFirstClientWait = 10s;
 constexpr auto kLastClientGrace = 500ms;
-constexpr auto kProgramIdle = 10min;
+constexpr auto kIdleLimit = 5min;
 constexpr UINT kTickMs = 100;
+constexpr int kTicksPerActivityCheck = 10;
 
-// Controls that clients hold; the one in the running-object table holds no lease.
+// Controls that clients hold (the one in the running-object table holds no lease), and the
+// calls they have had.
 std::atomic<int> leases{0};
+std::atomic<int64_t> control_calls{0};
+// A client has come: from now on the program ends soon after the last one has gone.
+std::atomic<bool> served{false};
 
 class LeasedControl final : public hosts::SimControl {
  public:
-  explicit LeasedControl(Hooks hooks) : SimControl(std::move(hooks)) { ++leases; }
+  explicit LeasedControl(Hooks hooks) : SimControl(std::move(hooks)) {
+    ++leases;
+    served = true;
+  }
   ~LeasedControl() override { --leases; }
+
+  Variant Invoke(std::string_view member, CallKind kind, std::span<Variant> args) override {
+    ++control_calls;
+    return SimControl::Invoke(member, kind, args);
+  }
 };
+
+// Grows with every call to the control or to a simulator: the simulators log every call.
+int64_t Activity() {
+  int64_t calls = control_calls;
+  for (const auto& host : hosts::StartedHosts()) calls += int64_t(host->log().size());
+  return calls;
+}
 
 // The simulator the program's own file name stands for, or nullptr.
 const char* ProgramClass(const std::wstring& path) {
@@ -105,8 +128,14 @@ class Program {
     running.Register(hosts::kSimControlClass, std::make_shared<hosts::SimControl>(hooks));
     running.RegisterClassServer(hosts::kSimControlClass,
                                 [hooks] { return std::make_shared<LeasedControl>(hooks); });
-    running.RegisterClassServer(hosts::kZebrinClass, [] { return hosts::NewZebrin(); });
-    running.RegisterClassServer(hosts::kTarvikClass, [] { return hosts::NewTarvik(); });
+    running.RegisterClassServer(hosts::kZebrinClass, [] {
+      served = true;
+      return hosts::NewZebrin();
+    });
+    running.RegisterClassServer(hosts::kTarvikClass, [] {
+      served = true;
+      return hosts::NewTarvik();
+    });
     // Ulmora has no class server; refusing at once spares a client COM's long wait for one.
     running.RegisterClassServer(hosts::kUlmoraClass, []() -> AutomationObject {
       Raise(err::kCantCreate, "The simulated Ulmora starts only by SimControl.Run");
@@ -121,40 +150,42 @@ class Program {
   }
 
  private:
-  // Someone may still want the program: a client holds a control or one of its objects (beyond
-  // those the running-object table holds), or a launched program runs.
-  bool Wanted(bool* only_programs) const {
-    *only_programs = false;
+  // A client holds a control or an object of the program beyond those the running-object
+  // table holds, or a launched program runs.
+  bool Wanted() const {
     if (leases > 0 || size_t(LiveDispatches()) > env_.running_objects().registered()) return true;
     for (const auto& weak : launched_) {
       const auto host = weak.lock();
-      if (host && !host->gone() && !host->exited) return *only_programs = true;
+      if (host && !host->gone() && !host->exited) return true;
     }
     return false;
   }
 
   void Loop() {
     SetTimer(nullptr, 0, kTickMs, nullptr);
-    const Clock::time_point start = Clock::now();
-    Clock::time_point last_wanted = start;
-    bool served = false;
+    Clock::time_point last_wanted = Clock::now(), last_active = last_wanted;
+    int64_t activity = Activity();
+    int ticks = 0;
     MSG msg;
     while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
-      if (msg.message == WM_TIMER && msg.hwnd == nullptr) {
-        env_.running_objects().RegisterDue();
-        bool only_programs = false;
-        const Clock::time_point now = Clock::now();
-        if (Wanted(&only_programs)) {
-          served = served || !only_programs;
-          if (!only_programs) last_wanted = now;
-          if (only_programs && now - last_wanted > kProgramIdle) break;
-        } else if (now - last_wanted > (served ? kLastClientGrace : kFirstClientWait)) {
-          break;
-        }
+      if (msg.message != WM_TIMER || msg.hwnd != nullptr) {
+        TranslateMessage(&msg);
+        DispatchMessageW(&msg);
         continue;
       }
-      TranslateMessage(&msg);
-      DispatchMessageW(&msg);
+      env_.running_objects().RegisterDue();
+      const Clock::time_point now = Clock::now();
+      if (Wanted()) {
+        last_wanted = now;
+      } else if (now - last_wanted > (served ? kLastClientGrace : kFirstClientWait)) {
+        break;
+      }
+      if (++ticks % kTicksPerActivityCheck == 0) {
+        const int64_t a = Activity();
+        if (a != activity) last_active = now;
+        activity = a;
+        if (now - last_active > kIdleLimit) break;
+      }
     }
   }
 
