@@ -59,6 +59,10 @@ std::shared_ptr<SimUlmora> RunUlmora(std::chrono::milliseconds start_delay) {
   return Run<SimUlmora>(Env::Current(), start_delay);
 }
 
+std::shared_ptr<SimZebrin> NewZebrin() { return New<SimZebrin>(Env::Current()); }
+
+std::shared_ptr<SimTarvik> NewTarvik() { return New<SimTarvik>(Env::Current()); }
+
 // The launcher and the class servers belong to `env`, so they may keep a reference to it.
 void InstallSimulatedHosts(std::chrono::milliseconds start_delay) {
   Env& env = Env::Current();

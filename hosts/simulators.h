@@ -21,6 +21,10 @@ std::shared_ptr<SimTarvik> RunTarvik(std::chrono::milliseconds start_delay = {})
 // can't start it, so this is the only way it runs.
 std::shared_ptr<SimUlmora> RunUlmora(std::chrono::milliseconds start_delay = {});
 
+// A new simulator as a class server makes it: started, not registered as running.
+std::shared_ptr<SimZebrin> NewZebrin();
+std::shared_ptr<SimTarvik> NewTarvik();
+
 // Installs the simulated programs in the current environment as the real ones would be: the
 // registry entries of simulated_hosts.reg, launcher paths (kZebrinProgram, kTarvikProgram)
 // that start a simulator registered as running after `start_delay`, and class servers that

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "hosts/call_log.h"
 #include "hosts/host_table.h"
 #include "hosts/simulators.h"
 #include "qorvel/platform/text.h"
@@ -20,9 +21,7 @@
 namespace qvsh {
 namespace {
 
-using qorvel::CallKind;
 using qorvel::EqualsNoCase;
-using qorvel::Variant;
 using qorvel::hosts::HostPreset;
 using qorvel::hosts::SimHost;
 using qorvel::hosts::SimObject;
@@ -114,35 +113,6 @@ HostPreset ArgPreset(lua_State* L, int arg) {
     }
   });
   return preset;
-}
-
-// An argument as a log line shows it: texts quoted, numbers as the host read them.
-std::string LogText(const Variant& value) {
-  switch (value.type()) {
-    case qorvel::VarType::kEmpty:
-      return "Empty";
-    case qorvel::VarType::kNull:
-      return "Null";
-    case qorvel::VarType::kText:
-      return '"' + value.ToText() + '"';
-    case qorvel::VarType::kObject:
-      return "<object>";
-    default:
-      return value.is_array() ? "<array>" : value.ToText();
-  }
-}
-
-// "version", "WindowState = 2", "Execute(\"ECHO a\", 0)"; a call to an object of the host
-// named by it: "Document.Name".
-std::string LogLine(const qorvel::hosts::Call& call) {
-  const std::string member = call.object.empty() ? call.member : call.object + "." + call.member;
-  if (call.kind == CallKind::kPropertyGet && call.args.empty()) return member;
-  if (call.kind == CallKind::kPropertyPut && call.args.size() == 1) {
-    return member + " = " + LogText(call.args[0]);
-  }
-  std::string line = member + "(";
-  for (size_t i = 0; i < call.args.size(); ++i) line += (i ? ", " : "") + LogText(call.args[i]);
-  return line + ")";
 }
 
 int RunZebrin(lua_State* L) {
@@ -255,10 +225,7 @@ int LingerOnExit(lua_State* L) {
 }
 
 int Log(lua_State* L) {
-  std::vector<std::string> lines;
-  for (const qorvel::hosts::Call& call : ArgHost<SimObject>(L, 1)->log())
-    lines.push_back(LogLine(call));
-  PushStrings(L, lines);
+  PushStrings(L, qorvel::hosts::LogLines(*ArgHost<SimObject>(L, 1)));
   return 1;
 }
 

@@ -3,11 +3,11 @@
 // data calls failed; the nearest points, and a picture of a surface with points and their feet.
 #include <cmath>
 #include <fstream>
-#include <numbers>
 #include <string>
 #include <vector>
 
 #include "hosts/surface_picture.h"
+#include "hosts/surface_shapes.h"
 #include "qorvel/platform/error.h"
 #include "qorvel/platform/file_bytes.h"
 #include "shell/sim_api.h"
@@ -17,8 +17,6 @@ namespace {
 
 using qorvel::hosts::SimUlmora;
 using qorvel::hosts::Vec3;
-
-double Radians(double degrees) { return degrees * std::numbers::pi / 180; }
 
 // A point as a list of three numbers, at `index`.
 Vec3 PointAt(lua_State* L, int arg, int index, const std::string& what) {
@@ -86,64 +84,63 @@ class Fields {
   int arg_;
 };
 
-// A builder's refusal is the script's error 5, saying why.
-template <class Build>
-void Add(lua_State* L, const std::string& type, Build build) {
+int AddPlane(lua_State* L) {
   const std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
   const std::string name = ArgString(L, 2);
-  qorvel::hosts::SurfaceGrid grid;
-  try {
-    grid = build();
-  } catch (const std::invalid_argument& e) {
-    qorvel::Raise(qorvel::err::kInvalidCall, "Surface " + name + ": " + e.what());
-  }
-  host->AddSurface(name, grid, type);
-}
-
-int AddPlane(lua_State* L) {
   Fields f(L, 3);
-  const Vec3 origin = f.Point("origin"), lat_edge = f.Point("lat_edge", {1, 0, 0}),
-             lon_edge = f.Point("lon_edge", {0, 1, 0});
-  const int nlats = f.Count("nlats", 2), nlons = f.Count("nlons", 2);
-  Add(L, f.Text("type", "Kalvane"),
-      [&] { return qorvel::hosts::PlaneGrid(origin, lat_edge, lon_edge, nlats, nlons); });
+  const qorvel::hosts::PlaneShape d;
+  const qorvel::hosts::PlaneShape shape{.origin = f.Point("origin"),
+                                        .lat_edge = f.Point("lat_edge", d.lat_edge),
+                                        .lon_edge = f.Point("lon_edge", d.lon_edge),
+                                        .nlats = f.Count("nlats", d.nlats),
+                                        .nlons = f.Count("nlons", d.nlons)};
+  qorvel::hosts::AddPlane(*host, name, shape, f.Text("type", qorvel::hosts::kDefaultSurfaceType));
   return 0;
 }
 
 int AddCylinder(lua_State* L) {
+  const std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
+  const std::string name = ArgString(L, 2);
   Fields f(L, 3);
-  qorvel::hosts::Cylinder c{.origin = f.Point("origin"),
-                            .axis = f.Point("axis", {0, 0, 1}),
-                            .reference = f.Point("reference", {1, 0, 0}),
-                            .radius = f.Number("radius", 1),
-                            .start_angle = Radians(f.Number("start", 0)),
-                            .angle = Radians(f.Number("angle", 360)),
-                            .length = f.Number("length", 1),
-                            .nlats = f.Count("nlats", 9),
-                            .nlons = f.Count("nlons", 2)};
-  Add(L, f.Text("type", "Kalvane"), [&] { return qorvel::hosts::CylinderGrid(c); });
+  const qorvel::hosts::CylinderShape d;
+  const qorvel::hosts::CylinderShape shape{.origin = f.Point("origin"),
+                                           .axis = f.Point("axis", d.axis),
+                                           .reference = f.Point("reference", d.reference),
+                                           .radius = f.Number("radius", d.radius),
+                                           .start = f.Number("start", d.start),
+                                           .angle = f.Number("angle", d.angle),
+                                           .length = f.Number("length", d.length),
+                                           .nlats = f.Count("nlats", d.nlats),
+                                           .nlons = f.Count("nlons", d.nlons)};
+  qorvel::hosts::AddCylinder(*host, name, shape,
+                             f.Text("type", qorvel::hosts::kDefaultSurfaceType));
   return 0;
 }
 
 int AddSphere(lua_State* L) {
+  const std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
+  const std::string name = ArgString(L, 2);
   Fields f(L, 3);
-  qorvel::hosts::Sphere s{.centre = f.Point("centre"),
-                          .axis = f.Point("axis", {0, 0, 1}),
-                          .reference = f.Point("reference", {1, 0, 0}),
-                          .radius = f.Number("radius", 1),
-                          .lat_from = Radians(f.Number("lat_from", -45)),
-                          .lat_to = Radians(f.Number("lat_to", 45)),
-                          .lon_from = Radians(f.Number("lon_from", 0)),
-                          .lon_to = Radians(f.Number("lon_to", 90)),
-                          .nlats = f.Count("nlats", 5),
-                          .nlons = f.Count("nlons", 5)};
-  Add(L, f.Text("type", "Kalvane"), [&] { return qorvel::hosts::SphereGrid(s); });
+  const qorvel::hosts::SphereShape d;
+  const qorvel::hosts::SphereShape shape{.centre = f.Point("centre"),
+                                         .axis = f.Point("axis", d.axis),
+                                         .reference = f.Point("reference", d.reference),
+                                         .radius = f.Number("radius", d.radius),
+                                         .lat_from = f.Number("lat_from", d.lat_from),
+                                         .lat_to = f.Number("lat_to", d.lat_to),
+                                         .lon_from = f.Number("lon_from", d.lon_from),
+                                         .lon_to = f.Number("lon_to", d.lon_to),
+                                         .nlats = f.Count("nlats", d.nlats),
+                                         .nlons = f.Count("nlons", d.nlons)};
+  qorvel::hosts::AddSphere(*host, name, shape, f.Text("type", qorvel::hosts::kDefaultSurfaceType));
   return 0;
 }
 
 // Sim.Ulmora.AddGrid(u, name, points [, type]): points Lateral by Longitudinal by 3, as
 // ArrayOf("double", grid) makes them; the tangents come from the neighbours.
 int AddGrid(lua_State* L) {
+  const std::shared_ptr<SimUlmora> host = ArgHost<SimUlmora>(L, 1);
+  const std::string name = ArgString(L, 2);
   const qorvel::SafeArray* points = TestArray(L, 3);
   if (points == nullptr) throw ArgError(3, "SafeArray of Lateral by Longitudinal by 3 expected");
   const std::vector<qorvel::Bound> b = points->bounds();
@@ -151,9 +148,9 @@ int AddGrid(lua_State* L) {
     throw ArgError(3, "SafeArray of Lateral by Longitudinal by 3 expected");
   }
   const qorvel::SafeArray doubles = points->ConvertedTo(qorvel::VarType::kDouble);
-  const std::string type = lua_isnoneornil(L, 4) ? "Kalvane" : ArgString(L, 4);
-  Add(L, type,
-      [&] { return qorvel::hosts::GridThroughPoints(b[0].count, b[1].count, doubles.Doubles()); });
+  const std::string type =
+      lua_isnoneornil(L, 4) ? qorvel::hosts::kDefaultSurfaceType : ArgString(L, 4);
+  qorvel::hosts::AddGrid(*host, name, b[0].count, b[1].count, doubles.Doubles(), type);
   return 0;
 }
 
