@@ -88,8 +88,8 @@ End Function
 
 ' Waits about `ms` milliseconds: Wine's WScript has no Sleep.
 Sub Pause(ms)
-  Dim until
-  until = Timer + ms / 1000
-  Do While Timer < until
+  Dim stopAt
+  stopAt = Timer + ms / 1000
+  Do While Timer < stopAt
   Loop
 End Sub
