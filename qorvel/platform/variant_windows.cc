@@ -120,9 +120,11 @@ VARIANT* Target(VARIANT* v) {
   return v;
 }
 
-// A value as a Variant variable of the caller gets it: arrays as arrays of Variant.
-void ToCallerVariant(const Variant& value, VARIANT* out) {
-  if (!value.is_array()) return ToVariant(value, out);
+// A value as a Variant variable of the caller gets it. An array goes back typed into a variable
+// that held a typed array (a program's own copy of its data), and as an array of Variant into
+// one that was Empty or held Variants: the only arrays a script can index.
+void ToCallerVariant(const Variant& value, bool typed, VARIANT* out) {
+  if (!value.is_array() || typed) return ToVariant(value, out);
   VariantInit(out);
   out->parray = ToSafeArray(value.ToArray(), VT_VARIANT);
   out->vt = VT_ARRAY | VT_VARIANT;
@@ -146,6 +148,12 @@ void WriteArray(const SafeArray& array, SAFEARRAY** place, VARTYPE element) {
 
 void ToVariant(const Variant& value, VARIANT* out) {
   VariantInit(out);
+  if (value.is_array()) {  // whose type() is its elements'
+    const SafeArray array = value.ToArray();
+    out->parray = ToSafeArray(array);
+    out->vt = VT_ARRAY | VtOf(array.element_type());
+    return;
+  }
   switch (value.type()) {
     case VarType::kEmpty:
       return;
@@ -181,12 +189,8 @@ void ToVariant(const Variant& value, VARIANT* out) {
       return;
     }
     default:
-      break;
+      Raise(err::kTypeMismatch);
   }
-  if (!value.is_array()) Raise(err::kTypeMismatch);
-  const SafeArray array = value.ToArray();
-  out->parray = ToSafeArray(array);
-  out->vt = VT_ARRAY | VtOf(array.element_type());
 }
 
 Variant FromVariant(const VARIANT& in) {
@@ -318,9 +322,13 @@ Variant IncomingArgs::Take(VARIANT& arg) {
     case VT_DISPATCH:
       held.object = FromVariant(arg).ToObject();
       return Variant::Ref(held.object);
-    case VT_VARIANT:
+    case VT_VARIANT: {
+      const VARIANT* target = Target(arg.pvarVal);
+      const VARTYPE held_vt = target->vt & ~VT_BYREF;
+      held.typed_array = (held_vt & VT_ARRAY) && (held_vt & VT_TYPEMASK) != VT_VARIANT;
       held.value = FromVariant(*arg.pvarVal);
       return Variant::Ref(held.value);
+    }
     default:
       break;
   }
@@ -352,7 +360,7 @@ void IncomingArgs::WriteBack() {
       }
       case VT_VARIANT: {
         VARIANT fresh;
-        ToCallerVariant(held.value, &fresh);
+        ToCallerVariant(held.value, held.typed_array, &fresh);
         VARIANT* target = Target(caller->pvarVal);
         VariantClear(target);
         *target = fresh;

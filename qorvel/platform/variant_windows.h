@@ -35,8 +35,8 @@ SafeArray FromSafeArray(const SAFEARRAY* array);
 // The arguments of a call that came in through IDispatch::Invoke, in the caller's order. A
 // number, truth value or Integer by reference points straight at the caller's variable; text,
 // arrays, objects and Variant variables by reference are held here and go back in the caller's
-// own form: a typed array as its own element type, a Variant variable as an array of Variant,
-// which is all a script can index.
+// own form: a typed array as its own element type, a Variant variable that was Empty or held
+// Variants as an array of Variant, which is all a script can index.
 class IncomingArgs {
  public:
   explicit IncomingArgs(const DISPPARAMS& params);
@@ -53,6 +53,7 @@ class IncomingArgs {
     Variant value;
     SafeArray array;
     AutomationObject object;
+    bool typed_array = false;  // the Variant variable held an array of another type than Variant
   };
   Variant Take(VARIANT& arg);
 

@@ -17,6 +17,7 @@
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/dispatch_windows.h"
 #include "qorvel/platform/error.h"
+#include "qorvel/platform/safe_array.h"
 #include "windows/tests/com_client_bench.h"
 
 using namespace qorvel;
@@ -87,7 +88,7 @@ void CheckValueBoxEvents() {
   AutomationObject object = WrapDispatch(box.get());
   SetMember(object, "value", 2.5);
   Check(sink->heard == 1, "one ValueChanged for one value put, heard " + std::to_string(sink->heard));
-  Check(GetMember(object, "TextValue").ToText() == "2.50", "TextValue after value 2.5");
+  Check(GetMember(object, "TextValue").ToText() == "2.500000", "TextValue after value 2.5");
   Check(SUCCEEDED(point->Unadvise(cookie)), "Unadvise");
   SetMember(object, "value", 3.0);
   Check(sink->heard == 1, "nothing heard after Unadvise");
@@ -131,8 +132,9 @@ void CheckRunningHost() {
   Call(zebrin, "Connect");
   Check(GetMember(zebrin, "Connected").ToBool() == VariantBool::kTrue, "Zebrin connects");
   Call(zebrin, "Execute", "LINE 0 0 10 10");
-  const std::string log = Call(sim, "LogText", "Zebrin").ToText();
-  Check(log.find("LINE 0 0 10 10") != std::string::npos, "the host saw the command: " + log);
+  const SafeArray log = Call(sim, "Log", "Zebrin").ToArray();
+  const std::string last = log.GetFlat(log.size() - 1).ToText();
+  Check(last == "Execute(\"LINE 0 0 10 10\", 0)", "the host saw the command: " + last);
   Call(zebrin, "Disconnect");
   Call(sim, "GoAway", "Zebrin");
   try {

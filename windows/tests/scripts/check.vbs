@@ -45,11 +45,12 @@ Function Show(value)
 End Function
 
 ' The message boxes shown since the last call, one "style|title|text" each, as the library's
-' boxes are recorded under the test runner (QORVEL_MESSAGE_LOG).
+' boxes are recorded under the test runner: its QORVEL_MESSAGE_LOG names boxes.txt in the
+' script's folder (Wine's WScript.Shell can't read the environment).
 Function TakeMessages()
   Dim fso, path, file, line, parts, result
   Set fso = CreateObject("Scripting.FileSystemObject")
-  path = CreateObject("WScript.Shell").Environment("PROCESS")("QORVEL_MESSAGE_LOG")
+  path = fso.GetAbsolutePathName("boxes.txt")
   result = ""
   If fso.FileExists(path) Then
     Set file = fso.OpenTextFile(path, 1)

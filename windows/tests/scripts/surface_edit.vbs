@@ -47,13 +47,15 @@ Sub ExpectNear(actual, expected, what)
 End Sub
 
 Dim before, after, foot0
-before = Foot(1, 1, 3)(2)
+foot0 = Foot(1, 1, 3)
+before = foot0(2)
 ExpectNear before, 1, "the middle's foot, raised"
 name = "Tent"
 s.GetSurface name
 s.SetPoint 2, 2, 1, 1, 0
 Expect s.UpdateSurface, True, "UpdateSurface"
-after = Foot(1, 1, 3)(2)
+foot0 = Foot(1, 1, 3)
+after = foot0(2)
 If Not after < before - 0.5 Then Fail "the middle's foot comes down: " & before & " then " & after
 foot0 = Foot(1, 1, 0)
 ExpectNear foot0(0), 1, "the lowered point's own foot, x"

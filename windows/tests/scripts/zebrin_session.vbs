@@ -19,12 +19,12 @@ Expect Lines(sim.Log("Zebrin")), "version|version|version|Busy|WindowState|Visib
        "Execute(""ADVANCEDOPTS WINDOWS INFORMATION ON"", 0)", "what the host saw"
 
 ' The host's own error comes through with its number and text.
-sim.FailMember "Zebrin", "Busy", 5, "Host refused"
+sim.FailMember "Zebrin", "Visible", 5, "Host refused"
 On Error Resume Next
-Dim busy
-busy = z.Busy
-ExpectError 5, "Host refused", "a failing member"
+z.Visible = True
+ExpectError 5, "Host refused", "a failing Visible put"
 On Error GoTo 0
+Expect z.Visible, True, "a failing Visible read gives what was last read"
 sim.ClearFaults "Zebrin"
 
 ' A host that has gone: 462 with the runtime's text.
