@@ -23,6 +23,10 @@ Sub ExpectError(number, description, what)
   Err.Clear
 End Sub
 
+Sub Check(ok, what)
+  If Not ok Then Fail what
+End Sub
+
 Sub Fail(text)
   WScript.Echo "FAILED: " & text
   failures = failures + 1
