@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -87,7 +88,8 @@ void CheckValueBoxEvents() {
   Check(SUCCEEDED(point->Advise(sink_dispatch.get(), &cookie)) && cookie != 0, "Advise");
   AutomationObject object = WrapDispatch(box.get());
   SetMember(object, "value", 2.5);
-  Check(sink->heard == 1, "one ValueChanged for one value put, heard " + std::to_string(sink->heard));
+  Check(sink->heard == 1,
+        "one ValueChanged for one value put, heard " + std::to_string(sink->heard));
   Check(GetMember(object, "TextValue").ToText() == "2.500000", "TextValue after value 2.5");
   Check(SUCCEEDED(point->Unadvise(cookie)), "Unadvise");
   SetMember(object, "value", 3.0);
@@ -141,8 +143,8 @@ void CheckRunningHost() {
     GetMember(WrapDispatch(host.get()), "version");
     Check(false, "a host that has gone answers 462");
   } catch (const Error& e) {
-    Check(e.number() == err::kServerGone, "a host that has gone answers 462, not " +
-                                              std::to_string(e.number()));
+    Check(e.number() == err::kServerGone,
+          "a host that has gone answers 462, not " + std::to_string(e.number()));
   }
 }
 
@@ -165,7 +167,7 @@ int main(int argc, char** argv) {
     CheckValueBoxEvents();
     CheckTypeInformation();
     CheckRunningHost();
-    if (bench) RunBenchmarks();
+    if (bench) RunBenchmarks(argc > 2 ? std::atoi(argv[2]) : 1000);
   } catch (const Error& e) {
     Check(false, "raised " + std::to_string(e.number()) + " " + e.description());
   }

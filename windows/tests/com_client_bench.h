@@ -2,8 +2,8 @@
 #define WINDOWS_TESTS_COM_CLIENT_BENCH_H_
 
 // Times late-bound calls through the DLL against the same calls on a simulated host in this
-// process, and a surface's round trip to the host program against copying its bytes; prints
-// the ratios.
-void RunBenchmarks();
+// process, and the round trip of a `side` by `side` surface to the host program against copying its
+// bytes; prints the ratios.
+void RunBenchmarks(int side);
 
 #endif  // WINDOWS_TESTS_COM_CLIENT_BENCH_H_
