@@ -148,6 +148,48 @@ void CheckRunningHost() {
   }
 }
 
+// A VB client's typed arrays (Dim Names() As String) come back typed: what a script can't pass.
+void CheckTypedArraysComeBackTyped() {
+  AutomationObject sim = WrapDispatch(Create(L"QorvelSim.Control").get());
+  Call(sim, "Run", "Ulmora");
+  ComPtr<IDispatch> ulmora = Create(L"QorvelOLE.Ulmora27");
+  AutomationObject u = WrapDispatch(ulmora.get());
+  Call(u, "Connect");
+  Call(u, "Execute", "CREATE POINT P1 1 2 3");
+  Call(u, "Execute", "CREATE LINE L1 0 0 0 1 1 1");
+  Call(u, "Execute", "SELECT L1 P1");
+  SAFEARRAY* names = nullptr;
+  SAFEARRAY* types = nullptr;
+  LONG number = 0;
+  VARIANT args[3];  // the platform's order: last argument first
+  args[0].vt = VT_BYREF | VT_I4;
+  args[0].plVal = &number;
+  args[1].vt = VT_BYREF | VT_ARRAY | VT_BSTR;
+  args[1].pparray = &types;
+  args[2].vt = VT_BYREF | VT_ARRAY | VT_BSTR;
+  args[2].pparray = &names;
+  DISPPARAMS params{args, nullptr, 3, 0};
+  LPOLESTR member[] = {const_cast<LPOLESTR>(L"GetSelectedEntities")};
+  DISPID id = 0;
+  ulmora->GetIDsOfNames(IID_NULL, member, 1, 0, &id);
+  const HRESULT hr =
+      ulmora->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &params, nullptr, nullptr, nullptr);
+  VARTYPE vt = VT_EMPTY;
+  Check(SUCCEEDED(hr) && number == 2 && names && SUCCEEDED(SafeArrayGetVartype(names, &vt)) &&
+            vt == VT_BSTR,
+        "GetSelectedEntities into typed arrays gives arrays of text");
+  if (names) {
+    BSTR second = nullptr;
+    LONG at = 2;
+    SafeArrayGetElement(names, &at, &second);
+    Check(Narrow(second) == "P1", "the second name: " + Narrow(second));
+    SysFreeString(second);
+    SafeArrayDestroy(names);
+  }
+  if (types) SafeArrayDestroy(types);
+  Call(sim, "GoAway", "Ulmora");
+}
+
 // Everything released, the DLL says it can go.
 void CheckUnload() {
   CoFreeUnusedLibrariesEx(0, 0);
@@ -167,6 +209,7 @@ int main(int argc, char** argv) {
     CheckValueBoxEvents();
     CheckTypeInformation();
     CheckRunningHost();
+    CheckTypedArraysComeBackTyped();
     if (bench) RunBenchmarks(argc > 2 ? std::atoi(argv[2]) : 1000);
   } catch (const Error& e) {
     Check(false, "raised " + std::to_string(e.number()) + " " + e.description());
