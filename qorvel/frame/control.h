@@ -1,6 +1,7 @@
 #ifndef QORVEL_FRAME_CONTROL_H_
 #define QORVEL_FRAME_CONTROL_H_
 
+#include <memory>
 #include <type_traits>
 
 #include "qorvel/frame/control_shell.h"
@@ -8,6 +9,12 @@
 #include "qorvel/frame/pictures.h"
 
 namespace qorvel {
+
+// One control as its two faces: the object a client calls and the shell a container drives.
+struct UnstartedControl {
+  std::shared_ptr<ClassObject> face;
+  std::shared_ptr<ControlShell> shell;
+};
 
 // The object of a control class, held apart so it is made before the shell that sends it its
 // events and the face that runs its members.
@@ -53,6 +60,16 @@ template <class C>
 AutomationObject SiteControl(Container& form, const PropertyBag* saved) {
   const ShellTraits traits{C::kShell, ControlPicture(BindingsOf<C>().class_info().name)};
   return form.Site(std::make_unique<Control<C>>(traits), saved);
+}
+
+// A new control of class C that nothing has started yet, for a container that runs the life
+// cycle itself, step by step. No Terminate comes with its last reference: that container
+// closes it.
+template <class C>
+UnstartedControl MakeControl() {
+  const ShellTraits traits{C::kShell, ControlPicture(BindingsOf<C>().class_info().name)};
+  auto control = std::make_shared<Control<C>>(traits);
+  return {control, control};
 }
 
 // The same in the run-time container, where the controls that nobody placed elsewhere sit.

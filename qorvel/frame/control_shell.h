@@ -147,6 +147,9 @@ class Container final : public ControlSite, public std::enable_shared_from_this<
     });
   }
 
+  // The extent a new control gets before its first Resize.
+  static constexpr float kFirstExtent = 2400;
+
   bool UserMode() const override { return user_mode_; }
   void set_user_mode(bool user_mode) { user_mode_ = user_mode; }
   void PropertyChanged(std::string_view name) override;
@@ -156,9 +159,6 @@ class Container final : public ControlSite, public std::enable_shared_from_this<
   void ClearPropertyChanges();
 
  private:
-  // The extent a new control gets before its first Resize.
-  static constexpr float kFirstExtent = 2400;
-
   void Start(ControlShell& control, const PropertyBag* saved);
 
   std::atomic<bool> user_mode_;

@@ -18,12 +18,13 @@ struct LibraryClass {
   const char* name;
   ClassFactory make;
   AutomationObject (*site)(Container&, const PropertyBag*);  // nullptr for a plain class
+  UnstartedFactory unstarted;                                // nullptr for a plain class
   std::span<const SavedProperty> saved;
 };
 
 template <class C>
 constexpr LibraryClass ControlClass(const char* name) {
-  return {name, &NewControl<C>, &SiteControl<C>, SavedPropertiesOf<C>()};
+  return {name, &NewControl<C>, &SiteControl<C>, &MakeControl<C>, SavedPropertiesOf<C>()};
 }
 
 // The seven classes the type library publishes.
@@ -34,7 +35,7 @@ constexpr LibraryClass kClasses[] = {
     ControlClass<UlmoraSurfaceInfo>("UlmoraSurfaceInfo"),
     ControlClass<UlmoraNearestPoints>("UlmoraNearestPoints"),
     ControlClass<ValueBox>("ValueBox"),
-    {"PointClass", &NewInstance<PointClass>, nullptr, {}},
+    {"PointClass", &NewInstance<PointClass>, nullptr, nullptr, {}},
 };
 
 const LibraryClass* Find(std::string_view class_name) {
@@ -56,6 +57,11 @@ const LibraryClass& FindControl(std::string_view class_name) {
 ClassFactory FactoryOf(std::string_view class_name) {
   const LibraryClass* c = Find(class_name);
   return c ? c->make : nullptr;
+}
+
+UnstartedFactory UnstartedFactoryOf(std::string_view class_name) {
+  const LibraryClass* c = Find(class_name);
+  return c ? c->unstarted : nullptr;
 }
 
 AutomationObject SiteControl(std::string_view class_name, Container& form,

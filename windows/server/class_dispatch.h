@@ -14,11 +14,12 @@ namespace qorvel::win {
 
 // One of the library's published classes as a platform object: its members and DISPIDs from
 // the type library table, its type information from the DLL's type library, its class through
-// IProvideClassInfo2, and its outgoing interface through one connection point.
-class ClassDispatch final : public ObjectDispatch,
-                            public IProvideClassInfo2,
-                            public IConnectionPointContainer,
-                            public IConnectionPoint {
+// IProvideClassInfo2, and its outgoing interface through one connection point. A control's
+// object (ControlDispatch) adds the interfaces of an OLE control.
+class ClassDispatch : public ObjectDispatch,
+                      public IProvideClassInfo2,
+                      public IConnectionPointContainer,
+                      public IConnectionPoint {
  public:
   explicit ClassDispatch(std::shared_ptr<ClassObject> object);
 
@@ -45,11 +46,13 @@ class ClassDispatch final : public ObjectDispatch,
   HRESULT STDMETHODCALLTYPE Unadvise(DWORD cookie) override;
   HRESULT STDMETHODCALLTYPE EnumConnections(IEnumConnections** connections) override;
 
- private:
+ protected:
   void* QueryOther(REFIID riid) override;
   DISPID IdOfName(const std::string& name) override;
   Variant Call(DISPID id, CallKind kind, std::span<Variant> args) override;
+  ClassObject& class_object() const { return object_; }
 
+ private:
   ClassObject& object_;
 };
 

@@ -5,6 +5,7 @@
 #include "qorvel/platform/com_windows.h"
 #include "qorvel/platform/dispatch_windows.h"
 #include "qorvel/platform/error.h"
+#include "windows/server/control_object.h"
 #include "windows/server/module.h"
 
 namespace qorvel::win {
@@ -31,7 +32,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID riid, void** out) {
   *out = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
   try {
-    ComPtr<IDispatch> object = ComPtr<IDispatch>::Attach(ExposeObject(make_()));
+    ComPtr<IDispatch> object = ComPtr<IDispatch>::Attach(NewClassObject(class_name_));
     return object->QueryInterface(riid, out);
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;

@@ -5,15 +5,16 @@
 
 #include <unknwn.h>
 
-#include "qorvel/server/classes.h"
+#include <string>
+#include <utility>
 
 namespace qorvel::win {
 
 // The class factory of one of the library's classes: each instance comes with its type
-// information. No aggregation.
+// information, a control's with the interfaces of an OLE control. No aggregation.
 class ClassFactory final : public IClassFactory {
  public:
-  explicit ClassFactory(qorvel::ClassFactory make) : make_(make) {}
+  explicit ClassFactory(std::string class_name) : class_name_(std::move(class_name)) {}
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** out) override;
   ULONG STDMETHODCALLTYPE AddRef() override;
@@ -24,7 +25,7 @@ class ClassFactory final : public IClassFactory {
  private:
   ~ClassFactory() = default;
 
-  qorvel::ClassFactory make_;
+  std::string class_name_;
   LONG refs_ = 1;
 };
 

@@ -9,6 +9,7 @@
 #include "qorvel/server/registration.h"
 #include "windows/server/class_dispatch.h"
 #include "windows/server/class_factory.h"
+#include "windows/server/control_window.h"
 #include "windows/server/module.h"
 
 namespace qorvel::win {
@@ -23,6 +24,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     SetThisModule(instance);
     DisableThreadLibraryCalls(instance);
     SetExposer(ExposeClassObject);
+  } else if (reason == DLL_PROCESS_DETACH) {
+    ControlWindow::UnregisterClass();
   }
   return TRUE;
 }
@@ -41,7 +44,12 @@ extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID riid,
   qorvel::ClassFactory make = nullptr;
   const HRESULT found = qorvel::DllGetClassObject(guid, &make);
   if (found != S_OK) return found;
-  IClassFactory* factory = new (std::nothrow) ClassFactory(make);
+  const qorvel::ClassInfo* found_class = nullptr;
+  for (const qorvel::ClassInfo& c : qorvel::TheTypeLibrary().classes) {
+    if (ToGuid(c.guid) == clsid) found_class = &c;
+  }
+  if (found_class == nullptr) return CLASS_E_CLASSNOTAVAILABLE;
+  IClassFactory* factory = new (std::nothrow) ClassFactory(found_class->name);
   if (factory == nullptr) return E_OUTOFMEMORY;
   const HRESULT hr = factory->QueryInterface(riid, out);
   factory->Release();
