@@ -69,6 +69,10 @@ void TextBox::TypeKey(int16_t key) {
   }
 }
 
+void TextBox::Clear() {
+  if (!Locked) Replace("");
+}
+
 void TextBox::GotFocus() {
   if (events_ != nullptr) events_->Text1_GotFocus();
 }

@@ -52,6 +52,11 @@ class TextBox {
   // the halves of surrogate pairs change nothing. A locked box runs the handler and takes
   // nothing.
   void TypeKey(int16_t key);
+  // The keys and menu commands that delete without a character: Delete, Cut and the menu's
+  // Delete. The selection goes, and the key press handler doesn't run, as the platform's box
+  // raises no key press for them; a locked box keeps its text. A caller that deletes a character
+  // selects it first. (DEL, 127, is a character code that Ctrl+Backspace types, not this.)
+  void Clear();
   // Focus comes and goes: the got-focus and lost-focus handlers.
   void GotFocus();
   void LostFocus();

@@ -111,5 +111,21 @@ TEST_F(TextBoxTest, LockedBoxRunsTheKeyHandlerAndKeepsItsText) {
   EXPECT_EQ(events.heard, "KKKKGL");
 }
 
+TEST_F(TextBoxTest, ClearingDeletesTheSelectionWithoutAKeyPress) {
+  box.SetText("a\u00e9cd");
+  box.SetSelStart(1);
+  box.SetSelLength(2);
+  events.heard.clear();
+  box.Clear();
+  EXPECT_EQ(Shown(), "a[]d");
+  box.Clear();  // nothing selected: nothing goes
+  EXPECT_EQ(Shown(), "a[]d");
+  box.SetSelLength(1);
+  box.Locked = true;
+  box.Clear();
+  EXPECT_EQ(Shown(), "a[d]");
+  EXPECT_EQ(events.heard, "C");
+}
+
 }  // namespace
 }  // namespace qorvel
