@@ -103,7 +103,7 @@ int FormIndex(lua_State* L) {
   const auto form = ArgForm(L);
   const std::string key = ArgString(L, 2);
   if (key == "UserMode") {
-    lua_pushboolean(L, form->container().UserMode);
+    lua_pushboolean(L, form->container().UserMode());
     return 1;
   }
   luaL_getmetatable(L, kFormMeta);
@@ -115,7 +115,7 @@ int FormIndex(lua_State* L) {
 int FormNewIndex(lua_State* L) {
   const auto form = ArgForm(L);
   if (ArgString(L, 2) != "UserMode") throw ArgError(2, "only UserMode can be set on a form");
-  form->container().UserMode = lua_toboolean(L, 3);
+  form->container().set_user_mode(lua_toboolean(L, 3));
   return 0;
 }
 
@@ -167,7 +167,7 @@ int Resize(lua_State* L) {
   qorvel::ControlShell& shell = ArgShell(control);
   const float width = ArgSide(L, 2, "width");
   const float height = ArgSide(L, 3, "height");
-  qorvel::Container::SetExtent(shell, width, height);
+  shell.SetExtent(width, height);
   return PushSize(L, shell);
 }
 

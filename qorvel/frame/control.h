@@ -1,54 +1,39 @@
 #ifndef QORVEL_FRAME_CONTROL_H_
 #define QORVEL_FRAME_CONTROL_H_
 
+#include <type_traits>
+
 #include "qorvel/frame/control_shell.h"
 #include "qorvel/frame/dispatch_face.h"
 #include "qorvel/frame/pictures.h"
 
 namespace qorvel {
 
-// A published control: the object of class C behind its face and in its shell. The container's
-// events go to the handlers C has; a C without Resize keeps the size its traits give. A C that
-// needs its shell or its face (to read UserMode, to raise events) gets both through
-// Sited(ControlShell&, ClassObject&) before its Initialize.
+// The object of a control class, held apart so it is made before the shell that sends it its
+// events and the face that runs its members.
 template <class C>
-class Control final : public ClassObject, public ControlShell {
- public:
-  explicit Control(const ShellTraits& traits) : ClassObject(BindingsOf<C>()), ControlShell(traits) {
-    if constexpr (requires(ControlShell & s, ClassObject & f) { object_.Sited(s, f); }) {
-      object_.Sited(*this, *this);
-    }
-  }
-  C& object() { return object_; }
+struct ControlObject {
+  C object_;
+};
 
-  void Initialize() override {
-    if constexpr (requires { object_.Initialize(); }) object_.Initialize();
+// A published control: the object of class C behind its face and in its shell. C derives from
+// ControlEvents and overrides the container's events it handles; a C without Resize keeps the
+// size its traits give. Sited hands C its shell and face before anything else.
+template <class C>
+class Control final : private ControlObject<C>, public ClassObject, public ControlShell {
+  static_assert(std::is_base_of_v<ControlEvents, C>, "a control class handles ControlEvents");
+
+ public:
+  explicit Control(const ShellTraits& traits)
+      : ClassObject(BindingsOf<C>()), ControlShell(traits, this->object_) {
+    this->object_.Sited(*this, *this);
   }
-  void InitProperties() override {
-    if constexpr (requires { object_.InitProperties(); }) object_.InitProperties();
-  }
-  void ReadProperties(const PropertyBag& bag) override {
-    if constexpr (requires { object_.ReadProperties(bag); }) object_.ReadProperties(bag);
-  }
-  void WriteProperties(PropertyBag& bag) override {
-    if constexpr (requires { object_.WriteProperties(bag); }) object_.WriteProperties(bag);
-  }
-  void Resize() override {
-    if constexpr (requires { object_.Resize(); }) {
-      object_.Resize();
-    } else {
-      ControlShell::Resize();
-    }
-  }
-  void Terminate() override {
-    if constexpr (requires { object_.Terminate(); }) object_.Terminate();
-  }
+  C& object() { return this->object_; }
 
  private:
   Variant Run(size_t slot, std::span<Variant> args) override {
-    return BindingsOf<C>().Run(slot, object_, args);
+    return BindingsOf<C>().Run(slot, this->object_, args);
   }
-  C object_;
 };
 
 // The properties C reads back from its saved state; none for a control that saves nothing.

@@ -1,9 +1,11 @@
 #include "qorvel/frame/control_shell.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qorvel {
-ControlShell::ControlShell(const ShellTraits& traits) : size_(traits.size) {
+ControlShell::ControlShell(const ShellTraits& traits, ControlEvents& events)
+    : events_(events), size_(traits.size) {
   if (size_ == ShellSize::kImage) {
     Image1 = Image{};
     Image1->Picture = traits.picture;
@@ -14,7 +16,7 @@ ControlShell::ControlShell(const ShellTraits& traits) : size_(traits.size) {
 }
 
 // Neither form looks at the size asked for, or at the other axis.
-void ControlShell::Resize() {
+void ControlShell::KeepSize() {
   if (size_ == ShellSize::kHostControl) {
     user_control.Width = 500.0f;
     user_control.Height = 500.0f;
@@ -24,10 +26,42 @@ void ControlShell::Resize() {
   }
 }
 
-bool ControlShell::UserMode() const { return container_ == nullptr || container_->UserMode; }
+void ControlShell::Attach(std::shared_ptr<ControlSite> site) { site_ = std::move(site); }
+
+void ControlShell::SetExtent(float width, float height) {
+  // A handler that keeps changing the size would be sent Resize without end; the platform's
+  // own recursion has a limit too.
+  constexpr int kMostResizes = 16;
+  user_control.Width = width;
+  user_control.Height = height;
+  for (int i = 0; i < kMostResizes; ++i) {
+    const UserControl before = user_control;
+    KeepSize();
+    events_.Resize();
+    if (user_control.Width == before.Width && user_control.Height == before.Height) return;
+  }
+}
+
+PropertyBag ControlShell::Save() {
+  PropertyBag bag;
+  events_.WriteProperties(bag);
+  return bag;
+}
+
+// Terminate can't reach a client that has already let the control go; its failure ends the
+// handler and nothing more.
+void ControlShell::Close() noexcept {
+  if (std::exchange(closed_, true)) return;
+  try {
+    events_.Terminate();
+  } catch (...) {
+  }
+}
+
+bool ControlShell::UserMode() const { return site_ == nullptr || site_->UserMode(); }
 
 void ControlShell::PropertyChanged(std::string_view name) {
-  if (container_ != nullptr) container_->NoteChange(name);
+  if (site_ != nullptr) site_->PropertyChanged(name);
 }
 
 Container& Container::RunTime() {
@@ -36,45 +70,14 @@ Container& Container::RunTime() {
 }
 
 void Container::Start(ControlShell& control, const PropertyBag* saved) {
-  control.container_ = shared_from_this();
+  control.Attach(shared_from_this());
   control.Initialize();
   if (saved != nullptr) {
-    control.ReadProperties(*saved);
+    control.Load(*saved);
   } else {
-    control.InitProperties();
+    control.InitNew();
   }
-  SetExtent(control, kFirstExtent, kFirstExtent);
-}
-
-// Terminate can't reach a client that has already let the control go; its failure ends the
-// handler and nothing more.
-void Container::End(ControlShell& control) noexcept {
-  try {
-    control.Terminate();
-  } catch (...) {
-  }
-}
-
-void Container::SetExtent(ControlShell& control, float width, float height) {
-  // A handler that keeps changing the size would be sent Resize without end; the platform's
-  // own recursion has a limit too.
-  constexpr int kMostResizes = 16;
-  control.user_control.Width = width;
-  control.user_control.Height = height;
-  for (int i = 0; i < kMostResizes; ++i) {
-    const UserControl before = control.user_control;
-    control.Resize();
-    if (control.user_control.Width == before.Width &&
-        control.user_control.Height == before.Height) {
-      return;
-    }
-  }
-}
-
-PropertyBag Container::Save(ControlShell& control) {
-  PropertyBag bag;
-  control.WriteProperties(bag);
-  return bag;
+  control.SetExtent(kFirstExtent, kFirstExtent);
 }
 
 std::vector<std::string> Container::property_changes() const {
@@ -87,7 +90,7 @@ void Container::ClearPropertyChanges() {
   changes_.clear();
 }
 
-void Container::NoteChange(std::string_view name) {
+void Container::PropertyChanged(std::string_view name) {
   std::lock_guard lock(mu_);
   if (std::find(changes_.begin(), changes_.end(), name) == changes_.end()) {
     changes_.emplace_back(name);

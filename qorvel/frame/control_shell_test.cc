@@ -16,11 +16,10 @@ namespace {
 constexpr uint8_t kPictureBytes[] = {1, 2, 3};
 constexpr std::span<const uint8_t> kPicture(kPictureBytes);
 
-// A control that records the events its container sends.
-class Recorder : public ControlShell {
+// The events a container sends, recorded.
+class EventLog : public ControlEvents {
  public:
-  explicit Recorder(ShellSize size, std::vector<std::string>* events = nullptr)
-      : ControlShell({size, kPicture}), events_(events ? events : &own_) {}
+  explicit EventLog(std::vector<std::string>* events) : events_(events ? events : &own_) {}
 
   std::string fail_on;  // the event whose handler raises
 
@@ -33,10 +32,7 @@ class Recorder : public ControlShell {
     Note("WriteProperties");
     bag.WriteProperty("Value", 2.5, int16_t{0});
   }
-  void Resize() override {
-    Note("Resize");
-    ControlShell::Resize();
-  }
+  void Resize() override { Note("Resize"); }
   void Terminate() override { Note("Terminate"); }
 
   std::vector<std::string>& events() { return *events_; }
@@ -51,6 +47,20 @@ class Recorder : public ControlShell {
   std::vector<std::string>* events_;
 };
 
+struct EventLogHolder {
+  EventLog log;
+};
+
+// A control that records the events its container sends; the log is made before the shell.
+class Recorder : private EventLogHolder, public ControlShell {
+ public:
+  explicit Recorder(ShellSize size, std::vector<std::string>* events = nullptr)
+      : EventLogHolder{EventLog(events)}, ControlShell({size, kPicture}, log) {}
+
+  std::string& fail_on = log.fail_on;
+  std::vector<std::string>& events() { return log.events(); }
+};
+
 TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
   struct Case {
     ShellSize size;
@@ -62,7 +72,7 @@ TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
   for (const Case& c : cases) {
     SCOPED_TRACE(static_cast<int>(c.size));
     Recorder control(c.size);
-    Container::SetExtent(control, 1234, 321);
+    control.SetExtent(1234, 321);
     EXPECT_EQ(control.user_control.Width, c.width);
     EXPECT_EQ(control.user_control.Height, c.height);
     EXPECT_EQ(!control.user_control.Picture.empty(), c.picture_on_user_control);
@@ -75,7 +85,7 @@ TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
     const size_t resizes = c.width == 1234 ? 1 : 2;
     EXPECT_EQ(control.events(), std::vector<std::string>(resizes, "Resize"));
     control.events().clear();
-    Container::SetExtent(control, c.width, c.height);
+    control.SetExtent(c.width, c.height);
     EXPECT_EQ(control.events().size(), 1u);
   }
 }
@@ -83,7 +93,7 @@ TEST(ControlShellTest, SizesSnapBackOnEveryResize) {
 TEST(ControlShellTest, ImageControlsFollowTheirImageNotTheAskedSize) {
   Recorder control(ShellSize::kImage);
   control.Image1->Width = 300;  // only one axis changed: the other stays at the picture's
-  Container::SetExtent(control, 500, 500);
+  control.SetExtent(500, 500);
   EXPECT_EQ(control.user_control.Width, 300);
   EXPECT_EQ(control.user_control.Height, 480);
 }
@@ -95,7 +105,7 @@ TEST(ControlShellTest, ContainerSendsTheEventsInOrder) {
   EXPECT_FALSE(fresh->UserMode());
   EXPECT_EQ(events, (std::vector<std::string>{"Initialize", "InitProperties", "Resize"}));
 
-  const PropertyBag saved = Container::Save(*fresh);
+  const PropertyBag saved = fresh->Save();
   EXPECT_EQ(saved.ReadProperty("value").ToDouble(), 2.5);
   events.clear();
   auto loaded = designer->Site(std::make_unique<Recorder>(ShellSize::kFree, &events), &saved);
@@ -125,7 +135,7 @@ TEST(ControlShellTest, AmbientUserModeAndPropertyChanges) {
   auto form = std::make_shared<Container>();
   auto control = form->Site(std::make_unique<Recorder>(ShellSize::kFree));
   EXPECT_TRUE(control->UserMode());
-  form->UserMode = false;
+  form->set_user_mode(false);
   EXPECT_FALSE(control->UserMode());
   for (const char* name : {"DecimalPlaces", "ReadOnly", "DecimalPlaces"}) {
     control->PropertyChanged(name);
@@ -141,7 +151,7 @@ TEST(ControlShellTest, AmbientUserModeAndPropertyChanges) {
   EXPECT_FALSE(control->UserMode());
   control.reset();
   EXPECT_TRUE(watch.expired());
-  EXPECT_TRUE(Container::RunTime().UserMode);
+  EXPECT_TRUE(Container::RunTime().UserMode());
   EXPECT_TRUE(Recorder(ShellSize::kFree).UserMode());  // not sited: taken to run
 }
 

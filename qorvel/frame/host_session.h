@@ -16,7 +16,7 @@ namespace qorvel {
 // own Connect, the name of its exit member and its other members, and overrides the probe's gate
 // where it differs: how the version is read, which versions it accepts, what a refusal does and
 // what it drops with the connection.
-class HostSession {
+class HostSession : public ControlEvents {
  public:
   // On a form the three are icons of 500 by 500 that don't show at run time.
   static constexpr ShellSize kShell = ShellSize::kHostControl;

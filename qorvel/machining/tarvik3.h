@@ -56,7 +56,7 @@ class Tarvik3 : public HostSession {
                     double& YMAX, double& ZMIN, double& ZMAX);
 
   // Control life, sent by the container.
-  void Initialize();
+  void Initialize() override;
 
  private:
   // The gate: the version is read as 32 bits, held back, and narrowed to 16 bits without, so a

@@ -277,7 +277,7 @@ TEST_F(HostControlLifeTest, TerminateOfOneInstanceDisconnectsTheOthers) {
   AutomationObject second = CreateObject("QorvelOLE.Zebrin");
   auto shell = std::dynamic_pointer_cast<ControlShell>(first);  // sited in the run-time container
   ASSERT_NE(shell, nullptr);
-  EXPECT_EQ(shell->container(), &Container::RunTime());
+  EXPECT_EQ(shell->site(), &Container::RunTime());
   EXPECT_EQ(shell->user_control.Width, 500);
   EXPECT_EQ(std::dynamic_pointer_cast<ClassObject>(first)->class_info().name, "Zebrin");
   shell.reset();

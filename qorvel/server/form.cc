@@ -75,7 +75,7 @@ std::string Form::Text() const {
   for (const auto& [name, control] : controls_) {
     auto shell = std::dynamic_pointer_cast<ControlShell>(control);
     auto face = std::dynamic_pointer_cast<ClassObject>(control);
-    saved.push_back({face->class_info().name, name, Container::Save(*shell)});
+    saved.push_back({face->class_info().name, name, shell->Save()});
   }
   return FormText(saved);
 }

@@ -14,14 +14,14 @@ namespace qorvel {
 // them in one host call, the nearest point of each coming back in the outputs. It binds the
 // running host itself at each call, into references of its own, and raises a numbered error
 // for every failed check.
-class UlmoraNearestPoints {
+class UlmoraNearestPoints final : public ControlEvents {
  public:
   static constexpr ShellSize kShell = ShellSize::kImage;
 
   void GetNearestPoints(std::string& SurfaceName, SafeArray& InputX, SafeArray& InputY,
                         SafeArray& InputZ, SafeArray& OutputX, SafeArray& OutputY,
                         SafeArray& OutputZ);
-  void Terminate();
+  void Terminate() override;
 
  private:
   void BindApplication();

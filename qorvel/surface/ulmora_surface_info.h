@@ -16,13 +16,13 @@ namespace qorvel {
 // the store in memory, and UpdateSurface sends it back whole. Most failures raise numbered
 // errors; a host's false status shows a message box. Every control of a thread shares the
 // store, while the surface each one last read is its own.
-class UlmoraSurfaceInfo {
+class UlmoraSurfaceInfo final : public ControlEvents {
  public:
   static constexpr ShellSize kShell = ShellSize::kImage;
   using TangentGroup = surface_info_module::TangentGroup;
   using SurfaceStore = surface_info_module::SurfaceStore;
 
-  void Initialize() { ActiveFlag = VariantBool::kFalse; }
+  void Initialize() override { ActiveFlag = VariantBool::kFalse; }
 
   VariantBool Active() const { return ActiveFlag; }
   // Binds the running host; raises nothing.

@@ -17,7 +17,7 @@ class ClassObject;
 // the text is read as a number at once, and a new number is written back as text. The text may
 // show forms only typing gives (a trailing decimal symbol, trailing zeros, a lone sign) for as
 // long as their number stands. Each change of the number raises ValueChanged.
-class ValueBox final : public TextBoxEvents {
+class ValueBox final : public ControlEvents, public TextBoxEvents {
  public:
   static constexpr ShellSize kShell = ShellSize::kTextBox;
   static constexpr int32_t kValueChanged = 1;  // the DISPID of ValueChanged
@@ -31,7 +31,7 @@ class ValueBox final : public TextBoxEvents {
   ValueBox& operator=(const ValueBox&) = delete;
 
   // Takes the shell's Text1 for its own and the face to raise ValueChanged through.
-  void Sited(ControlShell& shell, ClassObject& face);
+  void Sited(ControlShell& shell, ClassObject& face) override;
 
   // The number; reading it never looks at the text.
   double value() const { return CurrentValue; }
@@ -50,11 +50,11 @@ class ValueBox final : public TextBoxEvents {
   void SetReadonly(VariantBool New_ReadOnly);
 
   // The container's events.
-  void Initialize();
-  void InitProperties();
-  void ReadProperties(const PropertyBag& bag);
-  void WriteProperties(PropertyBag& bag);
-  void Resize();
+  void Initialize() override;
+  void InitProperties() override;
+  void ReadProperties(const PropertyBag& bag) override;
+  void WriteProperties(PropertyBag& bag) override;
+  void Resize() override;
 
   // Text1's events.
   void Text1_KeyPress(int16_t& KeyAscii) override;

@@ -192,7 +192,7 @@ TEST_F(ValueBoxTest, NewControlIsEmptyAndLoadedOneShowsItsNumber) {
   Box fresh = Site();
   EXPECT_EQ(fresh->Text1->Text(), "");
   EXPECT_EQ(GetMember(fresh, "TextValue").ToText(), "0.000000");
-  PropertyBag saved = Container::Save(*fresh);
+  PropertyBag saved = fresh->Save();
   EXPECT_EQ(saved.size(), 0u);  // every property at its default
   EXPECT_EQ(Site(*form_, &saved)->Text1->Text(), "0");
 }
@@ -203,7 +203,7 @@ TEST_F(ValueBoxTest, SavesWhatDiffersFromTheDefaultsAndLoadsSilently) {
   SetMember(box, "value", 2.5);
   SetMember(box, "DecimalPlaces", int16_t{3});
   SetMember(box, "Readonly", true);
-  const PropertyBag saved = Container::Save(*box);
+  const PropertyBag saved = box->Save();
   EXPECT_EQ(saved.ReadProperty("Value").type(), VarType::kDouble);
   EXPECT_EQ(saved.ReadProperty("DecimalPlaces").type(), VarType::kInteger);
   EXPECT_EQ(saved.ReadProperty("ReadOnly").type(), VarType::kBool);
@@ -224,7 +224,7 @@ TEST_F(ValueBoxTest, TextBoxFollowsTheSizeDownTo100) {
   } cases[] = {
       {500, 400, 500, 400}, {99, 500, 500, 400}, {500, 99, 500, 400}, {100, 100, 100, 100}};
   for (const auto& c : cases) {
-    Container::SetExtent(*box, c.width, c.height);
+    box->SetExtent(c.width, c.height);
     EXPECT_EQ(box->Text1->Width, c.text_width) << c.width << "x" << c.height;
     EXPECT_EQ(box->Text1->Height, c.text_height) << c.width << "x" << c.height;
     EXPECT_EQ(box->user_control.Width, c.width);  // the control keeps what it was given
