@@ -68,11 +68,11 @@ int main(int argc, char** argv) {
     const AtlHost atl;
     try {
       CheckHarness(atl);
+      if (bench) MeasureKeyCost(atl, keys);
       CheckRunMode(atl, log, screens);
       CheckValueBoxKeys(atl);
       CheckPersistence(log);
       CheckDesignMode(screens);
-      if (bench) MeasureKeyCost(atl, keys);
       CheckUnload();
     } catch (const CheckFailed& e) {
       std::printf("FAILED: %s\n", e.what());

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <string>
 #include <vector>
 
 namespace qorvel::win::testing {
@@ -30,6 +31,8 @@ std::string ReadAll(const std::wstring& path) {
   DWORD got = 0;
   while (ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got > 0) bytes.append(buffer, got);
   CloseHandle(file);
+  // A writer that kept its handle across our truncation leaves a gap of zeros before its line.
+  std::erase(bytes, '\0');
   return bytes;
 }
 

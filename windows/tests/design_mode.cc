@@ -126,6 +126,9 @@ void DesignAll(HWND form, HWND strip, std::vector<Designed>& designed) {
     Check(SUCCEEDED(hr) && d.site->in_place_active(),
           std::string(kind.name) + " in-place activates in our designer (" + HresultText(hr) + ")");
     PumpMessages();
+    HWND own = InPlaceWindowOf(d.control.get());
+    Check(own != nullptr && IsChild(form, own) && IsWindowVisible(own),
+          std::string(kind.name) + " shows its own window in our form at design time");
     CheckExtent(kind, d.control.get(), asked);
     const SIZEL extent = ExtentOf(d.control.get()).value_or(asked);
     std::vector<DWORD> bits;
@@ -147,13 +150,13 @@ void DesignAll(HWND form, HWND strip, std::vector<Designed>& designed) {
   }
 }
 
-void CheckValueBoxAtDesignTime(HWND form, IUnknown* control) {
+void CheckValueBoxAtDesignTime(IUnknown* control) {
   const AutomationObject box = AutomationOf(control);
   Check(GetMember(box, "DecimalPlaces").ToInteger() == 6,
         "ValueBox.DecimalPlaces reads 6 at design time");
   Check(GetMember(box, "Readonly").ToBool() == VariantBool::kFalse,
         "ValueBox.Readonly reads False at design time");
-  HWND edit = FindEdit(form);
+  HWND edit = FindEdit(InPlaceWindowOf(control));
   Check(edit != nullptr && EditText(edit).empty(), "a new ValueBox shows an empty box");
 }
 
@@ -168,10 +171,11 @@ void CheckDesignMode(const Screens& screens) {
   std::vector<Designed> designed;
   try {
     DesignAll(form, strip, designed);
-    CheckValueBoxAtDesignTime(form, designed.back().control.get());
+    CheckValueBoxAtDesignTime(designed.back().control.get());
     if (screens.wanted())
       Check(screens.Take(L"design"), "the runner took the design-mode screenshot");
   } catch (...) {
+    if (screens.wanted()) screens.Take(L"design");  // the screen as it stood at the difference
     Release(designed);
     DestroyWindow(form);
     throw;

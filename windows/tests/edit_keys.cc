@@ -21,6 +21,7 @@ BOOL CALLBACK FindEditChild(HWND window, LPARAM found) {
 
 HWND FindEdit(HWND root) {
   HWND found = nullptr;
+  if (root == nullptr || !FindEditChild(root, reinterpret_cast<LPARAM>(&found))) return found;
   EnumChildWindows(root, FindEditChild, reinterpret_cast<LPARAM>(&found));
   return found;
 }

@@ -14,7 +14,8 @@ namespace qorvel::win::testing {
 constexpr wchar_t kBackspace = 8;
 constexpr wchar_t kPaste = 22;  // Ctrl+V as a character
 
-// The first window of class "Edit" among the descendants of `root`, or nullptr.
+// `root` if it is of class "Edit", else the first such window among its descendants, or
+// nullptr.
 HWND FindEdit(HWND root);
 // Dispatches this thread's messages until none is waiting.
 void PumpMessages();

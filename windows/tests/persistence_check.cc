@@ -50,8 +50,10 @@ struct SitedValueBox {
     Check(SUCCEEDED(control->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site, 0, form, &place)),
           "DoVerb(OLEIVERB_INPLACEACTIVATE) in our own site");
     PumpMessages();
-    HWND edit = FindEdit(form);
-    Check(edit != nullptr, "the ValueBox's EDIT window in our form");
+    HWND own = InPlaceWindowOf(control.get());
+    HWND edit = FindEdit(own);
+    Check(own != nullptr && IsChild(form, own) && edit != nullptr,
+          "the ValueBox's own window in our form, and its EDIT");
     return edit;
   }
 
