@@ -4,7 +4,8 @@
 // difference.
 //   control_host [--bench [KEYS]] [--screens DIR]
 // --screens: pauses where the screen shows the run-mode and the design-mode forms, so that the
-// runner can take screenshots (see Screens). --bench: the cost of one key typed.
+// runner can take screenshots (see Screens). --bench: the cost of one key typed into the
+// ValueBox against one typed into a plain EDIT, KEYS keys a round (4000).
 
 #include <windows.h>
 

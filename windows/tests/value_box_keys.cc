@@ -61,12 +61,8 @@ constexpr KeyRow kRows[] = {
 // Text with '.' as the region's symbol and '!' as the other region's.
 std::wstring InRegion(std::wstring_view keys, wchar_t decimal) {
   std::wstring result(keys);
-  for (wchar_t& c : result) {
-    if (c == L'.')
-      c = decimal;
-    else if (c == L'!')
-      c = decimal == L'.' ? L',' : L'.';
-  }
+  const wchar_t other = decimal == L'.' ? L',' : L'.';
+  for (wchar_t& c : result) c = c == L'.' ? decimal : c == L'!' ? other : c;
   return result;
 }
 std::string InRegion(std::string_view text, char decimal) {
