@@ -118,8 +118,10 @@ void DesignAll(HWND form, HWND strip, std::vector<Designed>& designed) {
     Check(SUCCEEDED(d.control->QueryInterface(IID_IPersistStreamInit, persist.put_void())) &&
               SUCCEEDED(persist->InitNew()),
           std::string(kind.name) + " starts new through IPersistStreamInit::InitNew");
-    // A designer's user drags the control to 1000 by 1000 HIMETRIC (ValueBox 3000 by 700).
-    const SIZEL asked = value_box ? SIZEL{3000, 700} : SIZEL{1000, 1000};
+    // A designer's user drags the control to 1000 by 1000 HIMETRIC; the ValueBox, which follows
+    // its container, to the size of the place it is given (120 by 26 pixels at 96 dpi).
+    const SIZEL asked =
+        value_box ? SIZEL{MulDiv(120, 2540, 96), MulDiv(26, 2540, 96)} : SIZEL{1000, 1000};
     SIZEL ask = asked;
     d.control->SetExtent(DVASPECT_CONTENT, &ask);
     hr = d.control->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, d.site, 0, form, &place);

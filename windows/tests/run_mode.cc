@@ -146,7 +146,7 @@ void SiteAll(const AtlHost& atl, const ControlLog& log, HWND form,
 
 void CheckRunMode(const AtlHost& atl, const ControlLog& log, const Screens& screens) {
   Note("== run mode: the six controls sited by " + atl.dll());
-  HWND form = CreateForm(L"QorvelOLE controls in Wine's ATL host (run mode)", {0, 0, 860, 200});
+  HWND form = CreateForm(L"QorvelOLE controls in Wine's ATL host (run mode)", {0, 0, 900, 200});
   Check(form != nullptr, "a form window");
   std::vector<ComPtr<IUnknown>> controls;
   try {
