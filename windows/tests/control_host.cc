@@ -68,7 +68,6 @@ int main(int argc, char** argv) {
     const ControlLog log;
     const AtlHost atl;
     try {
-      CheckHarness(atl);
       if (bench) MeasureKeyCost(atl, keys);
       CheckRunMode(atl, log, screens);
       CheckValueBoxKeys(atl);

@@ -12,7 +12,6 @@ namespace qorvel::win::testing {
 
 // The program's own pieces, against Wine alone: ATL hosting one of Wine's controls, typing and
 // pasting into a plain EDIT, the property bag.
-void CheckHarness(const AtlHost& atl);
 // The six controls sited by ATL in one form at run time; a value typed into the ValueBox.
 void CheckRunMode(const AtlHost& atl, const ControlLog& log, const Screens& screens);
 // The ValueBox's key table, in a region whose decimal symbol is the point and in one with the
