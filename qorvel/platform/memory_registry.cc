@@ -109,21 +109,7 @@ int32_t MemoryRegistry::RegQueryValueExA(RegKey key, std::string_view value_name
   if (k == keys_.end()) return reg_status::kFileNotFound;
   auto v = k->second.values.find(UpperCase(value_name));
   if (v == k->second.values.end()) return reg_status::kFileNotFound;
-  const RegValue& value = v->second;
-  if (type) *type = value.type;
-  const auto needed = static_cast<uint32_t>(value.data.size());
-  if (data == nullptr) {
-    if (size) *size = needed;
-    return reg_status::kSuccess;
-  }
-  if (size == nullptr) return reg_status::kInvalidParameter;
-  if (needed > *size) {
-    *size = needed;
-    return reg_status::kMoreData;
-  }
-  std::copy(value.data.begin(), value.data.end(), data);
-  *size = needed;
-  return reg_status::kSuccess;
+  return CopyValueOut(v->second, type, data, size);
 }
 
 int32_t MemoryRegistry::RegQueryInfoKeyA(RegKey key, uint32_t* sub_keys) {

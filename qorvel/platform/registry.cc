@@ -1,5 +1,7 @@
 #include "qorvel/platform/registry.h"
 
+#include <algorithm>
+
 #include "qorvel/platform/text.h"
 
 namespace qorvel {
@@ -20,6 +22,23 @@ std::optional<RegKey> RootKeyByName(std::string_view name) {
     if (upper == text) return key;
   }
   return std::nullopt;
+}
+
+int32_t CopyValueOut(const RegValue& value, uint32_t* type, uint8_t* data, uint32_t* size) {
+  if (type) *type = value.type;
+  const auto needed = static_cast<uint32_t>(value.data.size());
+  if (data == nullptr) {
+    if (size) *size = needed;
+    return reg_status::kSuccess;
+  }
+  if (size == nullptr) return reg_status::kInvalidParameter;
+  if (needed > *size) {
+    *size = needed;
+    return reg_status::kMoreData;
+  }
+  std::copy(value.data.begin(), value.data.end(), data);
+  *size = needed;
+  return reg_status::kSuccess;
 }
 
 void Registry::SetString(RegKey root, std::string_view key, std::string_view name,

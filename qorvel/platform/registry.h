@@ -80,6 +80,10 @@ class Registry {
   void SetDword(RegKey root, std::string_view key, std::string_view name, uint32_t value);
 };
 
+// The answer of a read of `value` into a caller's buffer, as RegQueryValueExA gives it: its type
+// and size always, its bytes when `data` is there and `size` says they fit, kMoreData when not.
+int32_t CopyValueOut(const RegValue& value, uint32_t* type, uint8_t* data, uint32_t* size);
+
 // Passes every call on to another registry, so an observing wrapper overrides only what it
 // watches.
 class RegistryWrapper : public Registry {

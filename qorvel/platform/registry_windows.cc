@@ -117,21 +117,7 @@ int32_t WindowsRegistry::RegQueryValueExA(RegKey key, std::string_view value_nam
     const LSTATUS status = ReadStored(system_key, Widen(value_name), &stored_type, &bytes);
     if (status != ERROR_SUCCESS) return status;
   }
-  bytes = LibraryBytes(stored_type, std::move(bytes));
-  if (type) *type = stored_type;
-  const auto needed = static_cast<uint32_t>(bytes.size());
-  if (data == nullptr) {
-    if (size) *size = needed;
-    return reg_status::kSuccess;
-  }
-  if (size == nullptr) return reg_status::kInvalidParameter;
-  if (needed > *size) {
-    *size = needed;
-    return reg_status::kMoreData;
-  }
-  std::memcpy(data, bytes.data(), bytes.size());
-  *size = needed;
-  return reg_status::kSuccess;
+  return CopyValueOut({stored_type, LibraryBytes(stored_type, std::move(bytes))}, type, data, size);
 }
 
 int32_t WindowsRegistry::RegQueryInfoKeyA(RegKey key, uint32_t* sub_keys) {

@@ -3,6 +3,7 @@
 #include <oleauto.h>
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -113,17 +114,22 @@ void WindowsRunningObjects::Register(const std::string& class_name, AutomationOb
   running_[LowerCase(class_name)] = cookie;
 }
 
+// The cookie registered under a class name, taken out of `cookies`; none when there is none.
+std::optional<DWORD> WindowsRunningObjects::TakeCookie(std::map<std::string, DWORD>& cookies,
+                                                       const std::string& class_name) {
+  std::lock_guard lock(mu_);
+  auto it = cookies.find(LowerCase(class_name));
+  if (it == cookies.end()) return std::nullopt;
+  const DWORD cookie = it->second;
+  cookies.erase(it);
+  return cookie;
+}
+
+// Outside the lock: revoking releases the object, whose last release may run library code.
 void WindowsRunningObjects::Revoke(const std::string& class_name) {
-  DWORD cookie;
-  {
-    std::lock_guard lock(mu_);
-    auto it = running_.find(LowerCase(class_name));
-    if (it == running_.end()) return;
-    cookie = it->second;
-    running_.erase(it);
+  if (const std::optional<DWORD> cookie = TakeCookie(running_, class_name)) {
+    RevokeActiveObject(*cookie, nullptr);
   }
-  // Outside the lock: revoking releases the object, whose last release may run library code.
-  RevokeActiveObject(cookie, nullptr);
 }
 
 AutomationObject WindowsRunningObjects::BindRunning(std::string_view class_name) const {
@@ -154,15 +160,9 @@ void WindowsRunningObjects::RegisterClassServer(const std::string& class_name, F
 }
 
 void WindowsRunningObjects::RevokeClassServer(const std::string& class_name) {
-  DWORD cookie;
-  {
-    std::lock_guard lock(mu_);
-    auto it = servers_.find(LowerCase(class_name));
-    if (it == servers_.end()) return;
-    cookie = it->second;
-    servers_.erase(it);
+  if (const std::optional<DWORD> cookie = TakeCookie(servers_, class_name)) {
+    CoRevokeClassObject(*cookie);
   }
-  CoRevokeClassObject(cookie);
 }
 
 AutomationObject WindowsRunningObjects::CreateNew(std::string_view class_name) const {

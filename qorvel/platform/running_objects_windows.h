@@ -5,6 +5,7 @@
 
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "qorvel/platform/running_objects.h"
 
@@ -34,6 +35,9 @@ class WindowsRunningObjects final : public RunningObjects {
   AutomationObject CreateNew(std::string_view class_name) const override;
 
  private:
+  std::optional<DWORD> TakeCookie(std::map<std::string, DWORD>& cookies,
+                                  const std::string& class_name);
+
   std::mutex mu_;
   std::map<std::string, DWORD> running_;  // lower-cased name -> RegisterActiveObject's cookie
   std::map<std::string, DWORD> servers_;  // lower-cased name -> CoRegisterClassObject's cookie

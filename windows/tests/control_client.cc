@@ -17,10 +17,13 @@
 #include "qorvel/platform/dispatch.h"
 #include "qorvel/platform/dispatch_windows.h"
 #include "qorvel/platform/error.h"
-#include "windows/tests/control_test_site.h"
+#include "windows/tests/memory_property_bag.h"
+#include "windows/tests/test_site.h"
 
 using namespace qorvel;
 using namespace qorvel::win;
+using qorvel::win::testing::MemoryPropertyBag;
+using qorvel::win::testing::TestSite;
 
 namespace {
 
@@ -95,12 +98,12 @@ bool HasEditChild(HWND window) {
 }
 
 // A ValueBox the way a container takes one: site, InitNew, extent, in place, members, saved.
-void CheckValueBoxInContainer(HWND form, MapPropertyBag& bag, ComPtr<IStream>& stream) {
+void CheckValueBoxInContainer(HWND form, MemoryPropertyBag& bag, ComPtr<IStream>& stream) {
   ComPtr<IOleObject> box = CreateControl(L"QorvelOLE.ValueBox");
   DWORD misc = 0;
   Check(SUCCEEDED(box->GetMiscStatus(DVASPECT_CONTENT, &misc)) && misc == 0x20191,
         "ValueBox's misc status is 0x20191");
-  auto* site = new TestSite(form, {10, 10, 130, 35}, true, true);
+  auto* site = new TestSite(form, {10, 10, 130, 35}, true);
   Check(SUCCEEDED(box->SetClientSite(site)), "SetClientSite");
   auto persist = As<IPersistPropertyBag>(box.get(), IID_IPersistPropertyBag);
   Check(persist && SUCCEEDED(persist->InitNew()), "IPersistPropertyBag::InitNew");
@@ -146,20 +149,18 @@ void CheckValueBoxInContainer(HWND form, MapPropertyBag& bag, ComPtr<IStream>& s
   auto stream_persist = As<IPersistStreamInit>(box.get(), IID_IPersistStreamInit);
   Check(stream_persist && stream_persist->IsDirty() == S_OK, "changed properties make it dirty");
   Check(SUCCEEDED(persist->Save(&bag, TRUE, FALSE)), "IPersistPropertyBag::Save");
-  Check(bag.values.count(L"Value") && bag.values[L"Value"].vt == VT_R8 &&
-            bag.values[L"Value"].dblVal == 2.5,
-        "Value saved as a Double");
-  Check(bag.values.count(L"DecimalPlaces") && bag.values[L"DecimalPlaces"].vt == VT_I2 &&
-            bag.values[L"DecimalPlaces"].iVal == 3,
-        "DecimalPlaces saved as an Integer");
-  Check(!bag.values.count(L"ReadOnly"), "ReadOnly at its default is left out");
+  const VARIANT* value = bag.Find(L"Value");
+  Check(value && value->vt == VT_R8 && value->dblVal == 2.5, "Value saved as a Double");
+  const VARIANT* places = bag.Find(L"DecimalPlaces");
+  Check(places && places->vt == VT_I2 && places->iVal == 3, "DecimalPlaces saved as an Integer");
+  Check(!bag.Find(L"ReadOnly"), "ReadOnly at its default is left out");
   CreateStreamOnHGlobal(nullptr, TRUE, stream.put());
   Check(stream_persist && SUCCEEDED(stream_persist->Save(stream.get(), TRUE)),
         "IPersistStreamInit::Save");
   Check(stream_persist->IsDirty() == S_FALSE, "saving clears the dirty flag");
 
   Check(SUCCEEDED(box->Close(OLECLOSE_NOSAVE)), "Close");
-  Check(site->deactivations == 1, "Close deactivates in place");
+  Check(site->deactivations() == 1, "Close deactivates in place");
   box->SetClientSite(nullptr);
   site->Release();
   Check(TakeLog() ==
@@ -169,10 +170,10 @@ void CheckValueBoxInContainer(HWND form, MapPropertyBag& bag, ComPtr<IStream>& s
 }
 
 // A saved ValueBox in a designer: loaded, not new, and its design-time properties readable.
-void CheckValueBoxLoaded(HWND form, MapPropertyBag& bag, IStream* stream) {
+void CheckValueBoxLoaded(HWND form, MemoryPropertyBag& bag, IStream* stream) {
   {
     ComPtr<IOleObject> box = CreateControl(L"QorvelOLE.ValueBox");
-    auto* site = new TestSite(form, {0, 0, 100, 25}, true, false);
+    auto* site = new TestSite(form, {0, 0, 100, 25}, false);
     box->SetClientSite(site);
     auto persist = As<IPersistPropertyBag>(box.get(), IID_IPersistPropertyBag);
     Check(persist && SUCCEEDED(persist->Load(&bag, nullptr)), "IPersistPropertyBag::Load");
@@ -202,7 +203,7 @@ void CheckValueBoxLoaded(HWND form, MapPropertyBag& bag, IStream* stream) {
 // Saved state that can't be right is refused with an error, and the control can still start.
 void CheckBadSavedState() {
   ComPtr<IOleObject> box = CreateControl(L"QorvelOLE.ValueBox");
-  MapPropertyBag bad;
+  MemoryPropertyBag bad;
   VARIANT big;
   big.vt = VT_I4;
   big.lVal = 100000;
@@ -245,7 +246,7 @@ void CheckServiceControls(HWND form) {
     DWORD misc = 0;
     control->GetMiscStatus(DVASPECT_CONTENT, &misc);
     Check(misc == c.misc, name + "'s misc status");
-    auto* site = new TestSite(form, {0, 0, 300, 200}, true, true);
+    auto* site = new TestSite(form, {0, 0, 300, 200}, true);
     auto persist = As<IPersistStreamInit>(control.get(), IID_IPersistStreamInit);
     Check(persist && SUCCEEDED(persist->InitNew()), name + " InitNew");
     control->SetClientSite(site);
@@ -328,7 +329,7 @@ int main() {
   OleInitialize(nullptr);
   HWND form = MakeFormWindow();
   try {
-    MapPropertyBag bag;
+    MemoryPropertyBag bag;
     ComPtr<IStream> stream;
     CheckValueBoxInContainer(form, bag, stream);
     CheckValueBoxLoaded(form, bag, stream.get());

@@ -166,7 +166,7 @@ void CheckValueBoxAtDesignTime(IUnknown* control) {
 
 void CheckDesignMode(const Screens& screens) {
   Note("== design mode: the six controls in a designer of our own (UserMode false)");
-  HWND form = CreateForm(L"QorvelOLE controls at design time", {0, 0, 6 * kCell + 30, 230});
+  const Form form(L"QorvelOLE controls at design time", {0, 0, 6 * kCell + 30, 230});
   Check(form != nullptr, "a form window");
   CreateLabel(form, L"Drawn with IViewObject::Draw:", {10, 110, 300, 130});
   HWND strip = CreatePictureStrip(form, {10, 132, 6 * kCell + 10, 132 + 66});
@@ -179,12 +179,9 @@ void CheckDesignMode(const Screens& screens) {
   } catch (...) {
     if (screens.wanted()) screens.Take(L"design");  // the screen as it stood at the difference
     Release(designed);
-    DestroyWindow(form);
     throw;
   }
   Release(designed);
-  DestroyWindow(form);
-  PumpMessages();
 }
 
 }  // namespace qorvel::win::testing

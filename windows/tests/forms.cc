@@ -1,5 +1,7 @@
 #include "windows/tests/forms.h"
 
+#include <utility>
+
 #include "windows/tests/edit_keys.h"
 
 namespace qorvel::win::testing {
@@ -72,6 +74,12 @@ HWND CreateForm(const wchar_t* title, const RECT& rect) {
     PumpMessages();
   }
   return form;
+}
+
+void Form::Destroy() {
+  if (hwnd_ == nullptr) return;
+  DestroyWindow(std::exchange(hwnd_, nullptr));
+  PumpMessages();
 }
 
 HWND CreateLabel(HWND parent, const wchar_t* text, const RECT& rect) {

@@ -13,6 +13,22 @@ namespace qorvel::win::testing {
 
 // A visible top-level window in the button-face colour, at `rect` on the screen.
 HWND CreateForm(const wchar_t* title, const RECT& rect);
+// A form for the length of a scope: however the scope is left, the window goes, and the messages
+// its going sends are answered.
+class Form {
+ public:
+  Form(const wchar_t* title, const RECT& rect) : hwnd_(CreateForm(title, rect)) {}
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+  ~Form() { Destroy(); }
+  // The window goes now, for a check of what its going does.
+  void Destroy();
+  operator HWND() const { return hwnd_; }  // NOLINT: stands for its window in Win32 calls
+
+ private:
+  HWND hwnd_;
+};
+
 // A line of text at `rect` in `parent`.
 HWND CreateLabel(HWND parent, const wchar_t* text, const RECT& rect);
 // A plain EDIT control at `rect` in `parent`.

@@ -41,7 +41,7 @@ double NanosPerKey(HWND edit, int keys) {
 void MeasureKeyCost(const AtlHost& atl, int keys) {
   keys += keys % 2;  // an even count ends each round on a Backspace
   Note("== the cost of one key");
-  HWND form = CreateForm(L"Key cost", {0, 460, 400, 560});
+  const Form form(L"Key cost", {0, 460, 400, 560});
   Check(form != nullptr, "a form window");
   HWND plain = CreatePlainEdit(form, {10, 10, 210, 36});
   SetFocus(plain);
@@ -55,9 +55,6 @@ void MeasureKeyCost(const AtlHost& atl, int keys) {
   ComPtr<IUnknown> control = atl.GetControl(window);
   HWND edit = control ? FindEdit(window) : nullptr;
   if (edit == nullptr) {
-    control.reset();
-    DestroyWindow(form);
-    PumpMessages();
     return NotChecked("the cost of one key typed into the ValueBox",
                       "ATL can't site a ValueBox with its EDIT window here");
   }
@@ -78,9 +75,6 @@ void MeasureKeyCost(const AtlHost& atl, int keys) {
                 "into a plain EDIT: ratio %.1f",
                 keys, box_ns, plain_ns, box_ns / plain_ns);
   Note(line);
-  control.reset();
-  DestroyWindow(form);
-  PumpMessages();
 }
 
 }  // namespace qorvel::win::testing

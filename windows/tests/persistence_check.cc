@@ -143,21 +143,14 @@ void CheckDefaults(HWND form) {
 
 void CheckPersistence(const ControlLog& log) {
   Note("== the ValueBox in a property bag");
-  HWND form = CreateForm(L"ValueBox persistence", {0, 360, 400, 440});
+  const Form form(L"ValueBox persistence", {0, 360, 400, 440});
   Check(form != nullptr, "a form window");
-  try {
-    MemoryPropertyBag saved;
-    CheckSaved(form, saved);
-    CheckLoadedAtDesignTime(form, saved, log);
-    CheckLoadedAtRunTime(form, saved);
-    CheckDefaults(form);
-    Check(saved.outstanding() == 0, "no control kept a reference to the bag");
-  } catch (...) {
-    DestroyWindow(form);
-    throw;
-  }
-  DestroyWindow(form);
-  PumpMessages();
+  MemoryPropertyBag saved;
+  CheckSaved(form, saved);
+  CheckLoadedAtDesignTime(form, saved, log);
+  CheckLoadedAtRunTime(form, saved);
+  CheckDefaults(form);
+  Check(saved.outstanding() == 0, "no control kept a reference to the bag");
 }
 
 }  // namespace qorvel::win::testing

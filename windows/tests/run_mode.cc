@@ -146,7 +146,7 @@ void SiteAll(const AtlHost& atl, const ControlLog& log, HWND form,
 
 void CheckRunMode(const AtlHost& atl, const ControlLog& log, const Screens& screens) {
   Note("== run mode: the six controls sited by " + atl.dll());
-  HWND form = CreateForm(L"QorvelOLE controls in Wine's ATL host (run mode)", {0, 0, 900, 200});
+  Form form(L"QorvelOLE controls in Wine's ATL host (run mode)", {0, 0, 900, 200});
   Check(form != nullptr, "a form window");
   std::vector<ComPtr<IUnknown>> controls;
   try {
@@ -154,13 +154,11 @@ void CheckRunMode(const AtlHost& atl, const ControlLog& log, const Screens& scre
   } catch (...) {
     if (screens.wanted()) screens.Take(L"run");  // the screen as it stood at the difference
     controls.clear();
-    DestroyWindow(form);
     throw;
   }
   if (screens.wanted()) Check(screens.Take(L"run"), "the runner took the run-mode screenshot");
   log.Clear();
-  DestroyWindow(form);
-  PumpMessages();
+  form.Destroy();
   controls.clear();
   PumpMessages();
   if (log.named() && log.Written()) {

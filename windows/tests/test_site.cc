@@ -56,6 +56,7 @@ HRESULT TestSite::OnInPlaceActivate() {
 
 HRESULT TestSite::OnInPlaceDeactivate() {
   in_place_active_ = false;
+  ++deactivations_;
   return S_OK;
 }
 

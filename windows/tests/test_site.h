@@ -25,6 +25,10 @@ class TestSite final : public IOleClientSite,
   // How many times the control asked for the ambient UserMode.
   int user_mode_reads() const { return user_mode_reads_; }
   bool in_place_active() const { return in_place_active_; }
+  // How many times the control left in-place activation.
+  int deactivations() const { return deactivations_; }
+  // What the ambient UserMode answers from now on, as a designer switches to run mode.
+  void set_user_mode(bool user_mode) { user_mode_ = user_mode; }
   const RECT& position() const { return position_; }
 
   // IUnknown
@@ -88,6 +92,7 @@ class TestSite final : public IOleClientSite,
   bool user_mode_;
   int user_mode_reads_ = 0;
   bool in_place_active_ = false;
+  int deactivations_ = 0;
 };
 
 }  // namespace qorvel::win::testing

@@ -197,23 +197,16 @@ void CheckRegion(const AtlHost& atl, HWND form, wchar_t decimal, const wchar_t* 
 
 void CheckValueBoxKeys(const AtlHost& atl) {
   Note("== the ValueBox typed into, key by key, in ATL");
-  HWND form = CreateForm(L"ValueBox keys", {0, 220, 400, 340});
+  const Form form(L"ValueBox keys", {0, 220, 400, 340});
   Check(form != nullptr, "a form window");
-  try {
-    Note("-- decimal symbol \".\"");
-    CheckRegion(atl, form, L'.', L",");
-    Note("-- decimal symbol \",\"");
-    CheckRegion(atl, form, L',', L".");
-    Note("-- Backspace, paste and focus");
-    CheckPaste(atl, form, L"5", true, L"abc", "0", 0, true);
-    CheckPaste(atl, form, L"", false, L"abc", "abc", 0, false);
-    CheckFocus(atl, form);
-  } catch (...) {
-    DestroyWindow(form);
-    throw;
-  }
-  DestroyWindow(form);
-  PumpMessages();
+  Note("-- decimal symbol \".\"");
+  CheckRegion(atl, form, L'.', L",");
+  Note("-- decimal symbol \",\"");
+  CheckRegion(atl, form, L',', L".");
+  Note("-- Backspace, paste and focus");
+  CheckPaste(atl, form, L"5", true, L"abc", "0", 0, true);
+  CheckPaste(atl, form, L"", false, L"abc", "abc", 0, false);
+  CheckFocus(atl, form);
 }
 
 }  // namespace qorvel::win::testing
