@@ -294,6 +294,7 @@ IncomingArgs::IncomingArgs(const DISPPARAMS& params) {
   const UINT n = params.cArgs;
   if (n > 0 && params.rgvarg == nullptr) Raise(err::kInvalidCall);
   args_.reserve(n);
+  held_.reserve(n);
   for (UINT i = 0; i < n; ++i) args_.push_back(Take(params.rgvarg[n - 1 - i]));
 }
 
@@ -375,6 +376,7 @@ void IncomingArgs::WriteBack() {
 OutgoingArgs::OutgoingArgs(std::span<Variant> args, bool property_put) : args_(args) {
   const size_t n = args.size();
   passed_.resize(n);
+  targets_.reserve(n);
   for (VARIANT& v : passed_) VariantInit(&v);
   try {
     for (size_t i = 0; i < n; ++i) {

@@ -8,7 +8,6 @@
 
 #include <oleauto.h>
 
-#include <deque>
 #include <span>
 #include <vector>
 
@@ -57,7 +56,7 @@ class IncomingArgs {
   };
   Variant Take(VARIANT& arg);
 
-  std::deque<Held> held_;  // a deque, so the references into it stay put
+  std::vector<Held> held_;  // reserved for every argument, so references into it stay put
   std::vector<Variant> args_;
 };
 
@@ -78,8 +77,8 @@ class OutgoingArgs {
   void Clear();
 
   std::span<Variant> args_;
-  std::vector<VARIANT> passed_;  // in the platform's order: last argument first
-  std::deque<VARIANT> targets_;  // what the by-reference arguments point at
+  std::vector<VARIANT> passed_;   // in the platform's order: last argument first
+  std::vector<VARIANT> targets_;  // what the by-reference arguments point at; reserved likewise
   DISPID put_ = DISPID_PROPERTYPUT;
   DISPPARAMS params_{};
 };

@@ -7,12 +7,6 @@
 #include "windows/server/module.h"
 
 namespace qorvel::win {
-namespace {
-
-const InterfaceInfo* EventsOf(const ClassObject& object) { return object.event_interface(); }
-
-}  // namespace
-
 ClassDispatch::ClassDispatch(std::shared_ptr<ClassObject> object)
     : ObjectDispatch(object), object_(*object) {}
 
@@ -20,7 +14,7 @@ void* ClassDispatch::QueryOther(REFIID riid) {
   if (riid == IID_IProvideClassInfo || riid == IID_IProvideClassInfo2) {
     return static_cast<IProvideClassInfo2*>(this);
   }
-  if (riid == IID_IConnectionPointContainer && EventsOf(object_)) {
+  if (riid == IID_IConnectionPointContainer && object_.event_interface()) {
     return static_cast<IConnectionPointContainer*>(this);
   }
   return nullptr;
@@ -60,7 +54,7 @@ HRESULT ClassDispatch::GetGUID(DWORD kind, GUID* guid) {
   if (guid == nullptr) return E_POINTER;
   *guid = GUID_NULL;
   if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
-  const InterfaceInfo* events = EventsOf(object_);
+  const InterfaceInfo* events = object_.event_interface();
   if (events == nullptr) return E_FAIL;
   *guid = ToGuid(events->guid);
   return S_OK;
@@ -74,7 +68,7 @@ HRESULT ClassDispatch::EnumConnectionPoints(IEnumConnectionPoints** points) {
 HRESULT ClassDispatch::FindConnectionPoint(REFIID riid, IConnectionPoint** point) {
   if (point == nullptr) return E_POINTER;
   *point = nullptr;
-  const InterfaceInfo* events = EventsOf(object_);
+  const InterfaceInfo* events = object_.event_interface();
   if (events == nullptr || (riid != ToGuid(events->guid) && riid != IID_IDispatch)) {
     return CONNECT_E_NOCONNECTION;
   }

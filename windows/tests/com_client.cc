@@ -8,11 +8,9 @@
 #include <ocidl.h>
 #include <olectl.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <string>
 
 #include "qorvel/platform/dispatch.h"
